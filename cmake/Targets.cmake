@@ -1,0 +1,66 @@
+# The library, twice from the same sources: the DLL, and a static one that is never installed,
+# for what looks inside (white-box tests, benchmarks, examples/component).
+
+set(headers
+  include/Quend/Framework/Exceptions.h
+  include/Quend/Framework/Export.h
+  include/Quend/Framework/Framework.h
+  include/Quend/Framework/MemoryManager.h
+  include/Quend/Framework/PropertyManager.h)
+list(TRANSFORM headers PREPEND ${PROJECT_SOURCE_DIR}/)
+set(sources
+  core/EntryPoint.cpp
+  core/MemoryManager.cpp
+  core/ObjectRegistry.cpp
+  core/RandomSource.cpp
+  core/StaticInitialisation.cpp
+  properties/PropertyManagerImpl.cpp
+  properties/TextConversion.cpp)
+list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
+
+# How everything of ours is compiled. PRIVATE: no flag of this reaches a consumer.
+add_library(QuendBuildSettings INTERFACE)
+target_compile_definitions(QuendBuildSettings INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
+if(MSVC)
+  target_compile_options(QuendBuildSettings INTERFACE /W4 /permissive- /utf-8)
+else()
+  target_compile_options(QuendBuildSettings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wcast-function-type
+    -Wnull-dereference -Wduplicated-cond -Wlogical-op -Wuseless-cast -Wextra-semi
+    -Wsuggest-override -Wformat=2>)
+endif()
+
+function(quend_add_library target type)
+  add_library(${target} ${type} ${sources})
+  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/include
+    FILES ${headers})
+  target_compile_features(${target} PUBLIC cxx_std_14 PRIVATE cxx_std_20)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:QuendBuildSettings> shlwapi)
+endfunction()
+
+quend_add_library(QuendFramework SHARED)
+add_library(Quend::Framework ALIAS QuendFramework)
+set_target_properties(QuendFramework PROPERTIES
+  EXPORT_NAME Framework
+  PREFIX ""
+  OUTPUT_NAME Quend_Framework_${PROJECT_VERSION}
+  VERIFY_INTERFACE_HEADER_SETS ON)
+target_compile_definitions(QuendFramework PRIVATE QUEND_FRAMEWORK_BUILDING)
+configure_file(${PROJECT_SOURCE_DIR}/src/core/Version.rc.in Version.rc @ONLY)
+target_sources(QuendFramework PRIVATE ${PROJECT_BINARY_DIR}/Version.rc)
+if(MINGW)
+  target_sources(QuendFramework PRIVATE ${PROJECT_SOURCE_DIR}/src/Exports.def)
+  set_target_properties(QuendFramework PROPERTIES IMPORT_PREFIX lib)
+  # Byte-equal whatever folder it is built in: no time stamp, and no image base that the
+  # linker would derive from the output path.
+  target_link_options(QuendFramework PRIVATE
+    LINKER:--no-insert-timestamp LINKER:--disable-auto-image-base LINKER:--no-undefined)
+endif()
+
+quend_add_library(QuendFrameworkStatic STATIC)
+target_compile_definitions(QuendFrameworkStatic PUBLIC QUEND_FRAMEWORK_STATIC)
+target_include_directories(QuendFrameworkStatic INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_features(QuendFrameworkStatic INTERFACE cxx_std_20)

@@ -1,0 +1,2 @@
+#include "Steps.h"
+int showCommands(const Arguments&) { return 1; }

@@ -1,0 +1,2 @@
+#include "Steps.h"
+int showLogging(const Arguments&) { return 1; }

@@ -1,0 +1,2 @@
+#include "Steps.h"
+int showRegistry(const Arguments&) { return 1; }

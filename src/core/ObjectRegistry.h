@@ -1,0 +1,42 @@
+// The table behind registerObject, findObject and unregisterObject, whose contract stands in
+// <Quend/Framework/MemoryManager.h>.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+
+#include <Quend/Framework/MemoryManager.h>
+
+#include "core/CheckedMutex.h"
+
+namespace Quend::Framework::Management::MemoryManager {
+
+using Factory = IRegisteredObject* (*)();
+
+struct ObjectEntry {
+    IRegisteredObject* object;  // null if the factory returned null
+    std::uint32_t referenceCount;
+};
+
+class ObjectRegistry {
+ public:
+    IRegisteredObject* registerObject(const char* name, Factory factory);
+    IRegisteredObject* findObject(const char* name);
+    void unregisterObject(const char* name);
+
+ private:
+    // std::less<> finds a `const char*` without making a std::string of it first.
+    using ObjectTable = std::map<std::string, ObjectEntry*, std::less<>>;
+
+    // The table owns its entries, but its destructor leaves them and their objects alone.
+    ObjectTable objectTable;        // guarded by objectTableMutex
+    CheckedMutex objectTableMutex;  // declared last: destroyed first
+};
+
+// The one that the exported functions use. Its place in the load order is fixed in
+// StaticInitialisation.cpp.
+extern ObjectRegistry objectRegistry;
+
+}  // namespace Quend::Framework::Management::MemoryManager

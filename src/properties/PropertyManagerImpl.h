@@ -1,0 +1,22 @@
+// The property store itself. Its contract stands in <Quend/Framework/PropertyManager.h>.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include <Quend/Framework/PropertyManager.h>
+
+namespace Quend::Framework::Management {
+
+class PropertyManagerImpl : public PropertyManager {
+ public:
+    const std::wstring& readProperty(const std::wstring& name) const override;
+    bool hasProperty(const std::wstring& name) const override;
+    void setProperty(const std::wstring& name, const std::wstring& value) override;
+    void clearProperty(const std::wstring& name) override;
+
+ private:
+    std::map<std::wstring, std::wstring> properties;
+};
+
+}  // namespace Quend::Framework::Management

@@ -1,0 +1,19 @@
+// What a leak would show in: figures of the running process.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+
+namespace tests {
+
+// The handles this process holds. GetProcessHandleCount always answers 0 under Wine.
+std::size_t handleCount();
+
+// The TLS index that the next TlsAlloc gives; grows with each one leaked.
+DWORD nextTlsIndex();
+
+// The bytes of committed private memory.
+std::size_t committedBytes();
+
+}  // namespace tests
