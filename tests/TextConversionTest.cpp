@@ -13,7 +13,7 @@ using namespace Quend::Framework::Text;
 using namespace std::string_literals;
 
 class TextConversion : public testing::Test {
- protected:
+ public:
     ~TextConversion() override { std::setlocale(LC_ALL, "C"); }
 
  protected:
