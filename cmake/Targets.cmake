@@ -54,6 +54,14 @@ target_sources(QuendFramework PRIVATE ${PROJECT_BINARY_DIR}/Version.rc)
 if(MINGW)
   target_sources(QuendFramework PRIVATE ${PROJECT_SOURCE_DIR}/src/Exports.def)
   set_target_properties(QuendFramework PROPERTIES IMPORT_PREFIX lib)
+  # GCC's runtime is shared with all modules of the process: beside the programs, in the package.
+  foreach(name libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}.dll
+      OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE)
+    file(REAL_PATH ${file} file)
+    list(APPEND runtime_libraries ${file})
+  endforeach()
+  file(COPY ${runtime_libraries} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
   # Byte-equal whatever folder it is built in: no time stamp, and no image base that the
   # linker would derive from the output path.
   target_link_options(QuendFramework PRIVATE
