@@ -1,5 +1,5 @@
 # `cmake --install BUILD --prefix P` gives a complete package, which find_package(QuendFramework)
-# finds below P.
+# finds below P and which may be moved; `cpack` makes a zip of the same.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -11,9 +11,14 @@ install(EXPORT QuendFramework FILE QuendFrameworkConfig.cmake NAMESPACE Quend::
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersion.cmake
   COMPATIBILITY ExactVersion)
 install(FILES ${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersion.cmake DESTINATION ${package_dir})
-install(FILES README.md CHANGELOG.md LICENSE TYPE DOC)
+install(FILES README.md CHANGELOG.md LICENSE docs/binary-interface.md TYPE DOC)
 
 if(MINGW)
+  configure_file(cmake/quend-framework.pc.in quend-framework.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/quend-framework.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  install(FILES src/Exports.def DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RENAME Quend_Framework_${PROJECT_VERSION}.def)
   install(FILES ${runtime_libraries} DESTINATION ${CMAKE_INSTALL_BINDIR})
   # The licence notes of GCC's runtime, which is bundled: ours, and the toolchain's own texts.
   install(FILES docs/runtime-licences.md TYPE DOC)
@@ -22,3 +27,8 @@ if(MINGW)
       DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME ${package}.copyright)
   endforeach()
 endif()
+
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_FILE_NAME Quend_Framework-${PROJECT_VERSION}-win64)
+set(CPACK_PACKAGE_CHECKSUM SHA256)
+include(CPack)
