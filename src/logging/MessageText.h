@@ -22,6 +22,8 @@ namespace Quend::Framework::Logging {
 
 class MessageText {
  public:
+    MessageText() {}  // NOLINT(cppcoreguidelines-pro-type-member-init): buffer is filled as it is used
+
     template <typename T>
     void insert(const T& value) {
         if (!stream && isAppended(value)) {
@@ -70,7 +72,7 @@ class MessageText {
         if (std::locale() != std::locale::classic()) {
             return false;
         }
-        const auto end = buffer.data() + buffer.size() - 1;
+        char* const end = buffer.data() + buffer.size() - 1;
         const auto [next, error] = std::to_chars(buffer.data() + size, end, value);
         if (error != std::errc()) {
             return false;
@@ -96,7 +98,6 @@ class MessageText {
         return *stream;
     }
 
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): filled as far as it is used
     std::array<char, 256> buffer;  // the first `size` bytes count, and room for a NUL
     std::size_t size = 0;
     std::optional<std::ostringstream> stream;
