@@ -14,6 +14,12 @@ set(sources
   core/ObjectRegistry.cpp
   core/RandomSource.cpp
   core/StaticInitialisation.cpp
+  logging/DebugString.cpp
+  logging/LogChannel.cpp
+  logging/LogManager.cpp
+  logging/LogMessage.cpp
+  logging/MessageCache.cpp
+  logging/PluginLibrary.cpp
   properties/PropertyManagerImpl.cpp
   properties/TextConversion.cpp)
 list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
