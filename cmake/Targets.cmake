@@ -71,7 +71,8 @@ if(MINGW)
   # Byte-equal whatever folder it is built in: no time stamp, and no image base that the
   # linker would derive from the output path.
   target_link_options(QuendFramework PRIVATE
-    LINKER:--no-insert-timestamp LINKER:--disable-auto-image-base LINKER:--no-undefined)
+    LINKER:--no-insert-timestamp LINKER:--disable-auto-image-base LINKER:--no-undefined
+    $<$<CONFIG:Release>:LINKER:--strip-all>)
 endif()
 
 quend_add_library(QuendFrameworkStatic STATIC)

@@ -307,40 +307,6 @@ TEST(Logging, ThreadsLogWholeMessagesOneAtATimeInTheirOrder) {
     logManager.shutdownLogging();  // what its sinks refer to ends here
 }
 
-// Nothing else in the loops: another call's lock would hide a missing one.
-TEST(Logging, EveryPairOfCallsFromTwoThreads) {
-    constexpr unsigned kCalls = 3;
-    for (unsigned pair = 0; pair < kCalls * kCalls; ++pair) {
-        LogManager manager;
-        auto* const handle = manager.getChannel("c");
-        std::atomic<int> ready{0};
-        const auto run = [&](unsigned call, char thread) {
-            for (++ready; ready < 2;) {
-            }
-            for (int i = 0; i < 50; ++i) {
-                switch (call) {
-                    case 0:
-                        manager.getChannel((thread + std::to_string(i)).c_str());
-                        break;
-                    case 1:
-                        manager.log(handle, 0, "cached");
-                        break;
-                    default:
-                        addProvider(manager, "p");
-                }
-            }
-        };
-        std::thread other(run, pair / kCalls, 'a');
-        run(pair % kCalls, 'b');
-        other.join();
-        const auto calls = [&](unsigned call) {
-            return 50U * ((pair / kCalls == call ? 1U : 0U) + (pair % kCalls == call ? 1U : 0U));
-        };
-        EXPECT_EQ(handle->channel->cache.size(), calls(1)) << pair;
-        EXPECT_EQ(providerRegistry.size(), calls(2)) << pair;
-    }
-}
-
 const char* const kLongText = "and more of it than a short string holds in place";
 
 TEST(Logging, FailedAllocationLeavesTheStatedState) {

@@ -6,12 +6,15 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <string>
 
 #include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Framework.h>
 
 #include "core/ObjectRegistry.h"
+#include "logging/LogManager.h"
 #include "properties/PropertyManagerImpl.h"
 #include "properties/TextConversion.h"
 #include "support/Threads.h"
@@ -106,4 +109,60 @@ TEST(PairsOfCalls, ReadingProperties) {
     });
 }
 
+struct Sink final : Logging::LogSink {
+    virtual ~Sink() = default;
+    void release() noexcept override { delete this; }
+    void write(std::uint32_t, const char*) override { ++written; }
+    long written = 0;  // a sink relies on the lock of logging
+};
+
+struct Provider final : Logging::LogSinkProvider {
+    Logging::LogSink* createSink(const char*) override { return new Sink; }
+};
+
+struct Manager {
+    Logging::LogManager manager;
+    Logging::ChannelHandle channel = nullptr;
+    std::array<std::string, kRounds> names;
+
+    Manager() {
+        manager.registerSinkProvider(std::make_unique<Provider>());
+        channel = manager.getChannel("channel");
+        for (std::size_t i = 0; i < kRounds; ++i) {
+            names.at(i) = "channel " + std::to_string(i);
+        }
+    }
+};
+
+void createChannel(Manager& m, std::size_t i) { m.manager.getChannel(m.names[i].c_str()); }
+void addProvider(Manager& m, std::size_t) {
+    m.manager.registerSinkProvider(std::make_unique<Provider>());
+}
+
+TEST(PairsOfCalls, Logging) {
+    runPairs<Manager>({
+        createChannel, addProvider,
+        [](Manager& m, std::size_t) { m.manager.log(m.channel, 10, "written"); },
+        [](Manager& m, std::size_t) { m.manager.log(m.channel, 0, "cached"); },
+#ifndef _WIN32
+        [](Manager& m, std::size_t) { m.manager.loadPluginLibrary(L""); },  // this program
+#endif
+    });
+}
+
+// Beside what uses no handle: that would be invalid.
+TEST(PairsOfCalls, ShuttingLoggingDown) {
+    runPairs<Manager>({
+        createChannel,
+        addProvider,
+        [](Manager& m, std::size_t) { m.manager.shutdownLogging(); },
+    });
+}
+
 }  // namespace
+
+#ifndef _WIN32
+extern "C" Quend::Framework::Logging::LogSinkProvider* createLogSinkProvider() {
+    return new Provider;
+}
+#endif

@@ -22,6 +22,9 @@ std::optional<std::string> encode(wchar_t wide) {
     if (unit < 0x80) {
         return std::string{byte(unit)};
     }
+    if (!isUtf8 && unit >> 7 == 0xE0000 >> 7) {
+        return "";  // this C library leaves the tag characters out
+    }
     if (!isUtf8 || (unit >= 0xD800 && unit < 0xE000)) {
         return std::nullopt;
     }
