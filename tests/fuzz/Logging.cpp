@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "fuzz/Fuzz.h"
+#include "Fuzz.h"
 #include "logging/LogManager.h"
 #include "logging/ProviderRegistry.h"
 

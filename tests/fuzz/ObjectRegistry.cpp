@@ -7,7 +7,7 @@
 #include <map>
 #include <stdexcept>
 
-#include "fuzz/Fuzz.h"
+#include "Fuzz.h"
 
 namespace {
 

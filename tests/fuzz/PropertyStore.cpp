@@ -4,7 +4,7 @@
 
 #include <Quend/Framework/Exceptions.h>
 
-#include "fuzz/Fuzz.h"
+#include "Fuzz.h"
 #include "properties/PropertyManagerImpl.h"
 
 namespace {
