@@ -51,7 +51,6 @@ quend_add_library(QuendFramework SHARED)
 add_library(Quend::Framework ALIAS QuendFramework)
 set_target_properties(QuendFramework PROPERTIES
   EXPORT_NAME Framework
-  PREFIX ""
   OUTPUT_NAME Quend_Framework_${PROJECT_VERSION}
   VERIFY_INTERFACE_HEADER_SETS ON)
 target_compile_definitions(QuendFramework PRIVATE QUEND_FRAMEWORK_BUILDING)
@@ -59,7 +58,6 @@ configure_file(${PROJECT_SOURCE_DIR}/src/core/Version.rc.in Version.rc @ONLY)
 target_sources(QuendFramework PRIVATE ${PROJECT_BINARY_DIR}/Version.rc)
 if(MINGW)
   target_sources(QuendFramework PRIVATE ${PROJECT_SOURCE_DIR}/src/Exports.def)
-  set_target_properties(QuendFramework PROPERTIES IMPORT_PREFIX lib)
   # GCC's runtime is shared with all modules of the process: beside the programs, in the package.
   foreach(name libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}.dll

@@ -8,6 +8,7 @@
 #include "logging/LogManager.h"
 
 #include <algorithm>
+#include <mutex>
 #include <string_view>
 #include <utility>
 

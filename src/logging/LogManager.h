@@ -12,13 +12,13 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "logging/LogChannel.h"
 #include "logging/LogSink.h"
 #include "logging/PluginLibrary.h"
+#include "logging/RecursiveMutex.h"
 
 namespace Quend::Framework::Logging {
 
@@ -78,7 +78,7 @@ class LogManager {
     ChannelMap channels;
     std::vector<std::unique_ptr<PluginLibrary>> pluginLibraries;
     std::vector<std::unique_ptr<LogSinkProvider>> ownedProviders;
-    std::recursive_mutex mutex;
+    RecursiveMutex mutex;
     bool alive = true;  // memory without a manager in it reads false: nothing to shut down
     // Plug-in libraries are released before the channels are destroyed, whose sinks have their
     // code there. So each module is held twice, and let go of here when the last sink is gone.

@@ -7,9 +7,9 @@
 
 #include <cstdint>
 #include <ostream>
-#include <sstream>
 
 #include "logging/LogChannel.h"
+#include "logging/MessageText.h"
 
 namespace Quend::Framework::Logging {
 
@@ -29,20 +29,20 @@ class LogMessage {
 
     template <typename T>
     LogMessage& operator<<(const T& value) {
-        stream << value;
+        text.insert(value);
         return *this;
     }
 
     // std::endl and its like are templates, which the operator above cannot deduce.
     LogMessage& operator<<(std::ostream& (*manipulator)(std::ostream&)) {
-        stream << manipulator;
+        text.insert(manipulator);
         return *this;
     }
 
  private:
     ChannelHandle channel;
     std::uint32_t level;
-    std::ostringstream stream;
+    MessageText text;
 };
 
 }  // namespace Quend::Framework::Logging
