@@ -15,7 +15,9 @@ set(sources
   core/RandomSource.cpp
   core/StaticInitialisation.cpp
   properties/PropertyManagerImpl.cpp
-  properties/TextConversion.cpp)
+  properties/TextConversion.cpp
+  Quend/RegistryAccess/Registry.cpp
+  Quend/RegistryAccess/RegistryErrors.cpp)
 list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
 
 # How everything of ours is compiled. PRIVATE: no flag of this reaches a consumer.
