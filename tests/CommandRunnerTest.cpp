@@ -10,7 +10,6 @@
 #include <chrono>
 #include <cstdint>
 #include <future>
-#include <iostream>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -382,51 +381,6 @@ TEST_F(CommandRunner, GivesUpAfterSixtySeconds) {
     EXPECT_GE(Clock::now() - start, 60s);
     EXPECT_LT(Clock::now() - start, 63s);
     EXPECT_TRUE(leash.release()) << "the child was killed, or waited for";
-}
-
-// The same command and the same pipe, and nothing but the reads.
-void readBare(std::string commandLine) {
-    SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    HANDLE ends[2] = {};
-    CreatePipe(&ends[0], &ends[1], &inheritable, 0);
-    const Handle readEnd(ends[0]);
-    Handle writeEnd(ends[1]);
-    DWORD mode = PIPE_NOWAIT;
-    SetNamedPipeHandleState(readEnd.get(), &mode, nullptr, nullptr);
-    STARTUPINFOA startup{};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = writeEnd.get();
-    PROCESS_INFORMATION child{};
-    CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                   nullptr, &startup, &child);
-    writeEnd = Handle();
-    const Handle owned[] = {Handle(child.hProcess), Handle(child.hThread)};
-    char buffer[128];
-    DWORD count = 0;
-    while (ReadFile(readEnd.get(), buffer, sizeof(buffer), &count, nullptr) != FALSE ||
-           GetLastError() != ERROR_BROKEN_PIPE) {
-    }
-}
-
-// The bound is loose, as the machine has other work; the figures are printed.
-TEST_F(CommandRunner, CostsLittleMoreThanTheReads) {
-    std::array<double, 5> bare{};
-    std::array<double, 5> run{};
-    const auto seconds = [](auto call) {
-        const auto start = Clock::now();
-        call();
-        return std::chrono::duration<double>(Clock::now() - start).count();
-    };
-    for (std::size_t i = 0; i < bare.size(); ++i) {
-        bare[i] = seconds([] { readBare("cmd /c CommandChild bytes 1000000"); });
-        run[i] = seconds([] { runCommand("CommandChild bytes 1000000"); });
-    }
-    for (auto* times : {&bare, &run}) {
-        std::sort(times->begin(), times->end());
-    }
-    std::cout << "medians: bare " << bare[2] << " s, runCommand " << run[2] << " s\n";
-    EXPECT_LT(run[2], 2 * bare[2]);
 }
 
 }  // namespace
