@@ -9,11 +9,18 @@ set(headers
   include/Quend/Framework/PropertyManager.h)
 list(TRANSFORM headers PREPEND ${PROJECT_SOURCE_DIR}/)
 set(sources
+  command/CommandRunner.cpp
   core/EntryPoint.cpp
   core/MemoryManager.cpp
   core/ObjectRegistry.cpp
   core/RandomSource.cpp
   core/StaticInitialisation.cpp
+  logging/DebugString.cpp
+  logging/LogChannel.cpp
+  logging/LogManager.cpp
+  logging/LogMessage.cpp
+  logging/MessageCache.cpp
+  logging/PluginLibrary.cpp
   properties/PropertyManagerImpl.cpp
   properties/TextConversion.cpp
   Quend/RegistryAccess/Registry.cpp
@@ -47,7 +54,6 @@ quend_add_library(QuendFramework SHARED)
 add_library(Quend::Framework ALIAS QuendFramework)
 set_target_properties(QuendFramework PROPERTIES
   EXPORT_NAME Framework
-  PREFIX ""
   OUTPUT_NAME Quend_Framework_${PROJECT_VERSION}
   VERIFY_INTERFACE_HEADER_SETS ON)
 target_compile_definitions(QuendFramework PRIVATE QUEND_FRAMEWORK_BUILDING)
@@ -55,11 +61,19 @@ configure_file(${PROJECT_SOURCE_DIR}/src/core/Version.rc.in Version.rc @ONLY)
 target_sources(QuendFramework PRIVATE ${PROJECT_BINARY_DIR}/Version.rc)
 if(MINGW)
   target_sources(QuendFramework PRIVATE ${PROJECT_SOURCE_DIR}/src/Exports.def)
-  set_target_properties(QuendFramework PROPERTIES IMPORT_PREFIX lib)
+  # GCC's runtime is shared with all modules of the process: beside the programs, in the package.
+  foreach(name libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}.dll
+      OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE)
+    file(REAL_PATH ${file} file)
+    list(APPEND runtime_libraries ${file})
+  endforeach()
+  file(COPY ${runtime_libraries} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
   # Byte-equal whatever folder it is built in: no time stamp, and no image base that the
   # linker would derive from the output path.
   target_link_options(QuendFramework PRIVATE
-    LINKER:--no-insert-timestamp LINKER:--disable-auto-image-base LINKER:--no-undefined)
+    LINKER:--no-insert-timestamp LINKER:--disable-auto-image-base LINKER:--no-undefined
+    $<$<CONFIG:Release>:LINKER:--strip-all>)
 endif()
 
 quend_add_library(QuendFrameworkStatic STATIC)

@@ -4,15 +4,13 @@
 #include <atomic>
 #include <map>
 #include <random>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <system_error>
-#include <thread>
-#include <vector>
 
 #include "core/ObjectRegistry.h"
 #include "support/Allocations.h"
+#include "support/Threads.h"
 
 namespace {
 
@@ -235,21 +233,14 @@ TEST(ObjectRegistry, ThreadsSeeEachObjectDestroyedOnce) {
     ObjectRegistry registry;
     const long liveBefore = created - destroyed;
     std::atomic<long> wrong{0};
-    std::vector<std::thread> threads;
-    for (unsigned t = 0; t < 8; ++t) {
-        threads.emplace_back([&, t] {
-            for (unsigned i = 0; i < 20'000; ++i) {
-                const std::string name = "name " + std::to_string((i * 7 + t) % 13);
-                IRegisteredObject* const object =
-                    registry.registerObject(name.c_str(), makeTracked);
-                wrong += registry.findObject(name.c_str()) != object ? 1 : 0;
-                registry.unregisterObject(name.c_str());
-            }
-        });
-    }
-    for (auto& thread : threads) {
-        thread.join();
-    }
+    tests::inThreads(8, [&](unsigned thread) {
+        for (unsigned i = 0; i < 20'000; ++i) {
+            const std::string name = "name " + std::to_string((i * 7 + thread) % 13);
+            IRegisteredObject* const object = registry.registerObject(name.c_str(), makeTracked);
+            wrong += registry.findObject(name.c_str()) != object ? 1 : 0;
+            registry.unregisterObject(name.c_str());
+        }
+    });
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(created - destroyed, liveBefore);
     for (unsigned i = 0; i < 13; ++i) {

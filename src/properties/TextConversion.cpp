@@ -1,5 +1,6 @@
 // The runtime's functions report through the count they store; their error code is not looked
-// at. Some store 0 for text that cannot be converted, some the largest size value.
+// at. Some store 0 for text that cannot be converted, some the largest size value. What they
+// leave in the buffer behind the terminator is anything, so it is cut off.
 #include "properties/TextConversion.h"
 
 #include <cstdint>
@@ -14,7 +15,8 @@ namespace {
 // No code unit becomes more bytes than this in any encoding of the runtime.
 constexpr std::size_t kMaxBytesPerUnit = 4;
 
-bool hasFailed(std::size_t converted) { return converted == 0 || converted == SIZE_MAX; }
+// Of what was converted, terminator included; 0 for a failure.
+std::size_t usableSize(std::size_t converted) { return converted == SIZE_MAX ? 0 : converted; }
 
 }  // namespace
 
@@ -22,7 +24,7 @@ std::string wideToNarrow(const wchar_t* text) {
     std::string result(kMaxBytesPerUnit * (std::wcslen(text) + 1), '\0');
     std::size_t converted = 0;
     wcstombs_s(&converted, result.data(), result.size(), text, result.size());
-    result.resize(hasFailed(converted) ? 0 : converted);
+    result.resize(usableSize(converted));
     return result;
 }
 
@@ -30,7 +32,8 @@ std::string wstringToString(const std::wstring& text) {
     std::string result(kMaxBytesPerUnit * (text.size() + 1), '\0');
     std::size_t converted = 0;
     wcstombs_s(&converted, result.data(), result.size(), text.c_str(), result.size());
-    result.resize(text.size());
+    result.resize(usableSize(converted));
+    result.resize(text.size(), '\0');
     return result;
 }
 
@@ -39,7 +42,7 @@ std::wstring stringToWstring(const std::string& text) {
     std::wstring result(size, L'\0');
     std::size_t converted = 0;
     mbstowcs_s(&converted, result.data(), result.size(), text.c_str(), size);
-    if (hasFailed(converted)) {
+    if (usableSize(converted) == 0) {
         // The text that callers know; standard libraries word a failed resize differently.
         throw std::length_error("string too long");
     }

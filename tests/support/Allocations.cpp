@@ -7,6 +7,9 @@
 
 namespace {
 
+// Counted without any order between threads: two threads that allocate would otherwise never be
+// seen to race, whatever else they do.
+constexpr auto kUnordered = std::memory_order_relaxed;
 std::atomic<long> live{0};
 std::atomic<long> made{0};
 
@@ -17,7 +20,7 @@ bool allLaterFail = false;
 bool faultHappened = false;
 
 void* countedAllocation(std::size_t size) {
-    if (faultyThread == GetCurrentThreadId()) {
+    if (faultyThread.load(kUnordered) == GetCurrentThreadId()) {
         --remaining;
         if (remaining == 0 || (remaining < 0 && allLaterFail)) {
             faultHappened = true;
@@ -28,14 +31,14 @@ void* countedAllocation(std::size_t size) {
     if (block == nullptr) {
         throw std::bad_alloc();
     }
-    ++made;
-    ++live;
+    made.fetch_add(1, kUnordered);
+    live.fetch_add(1, kUnordered);
     return block;
 }
 
 void countedRelease(void* block) {
     if (block != nullptr) {
-        --live;
+        live.fetch_sub(1, kUnordered);
         std::free(block);
     }
 }

@@ -1,0 +1,51 @@
+// Finds what another module has registered, counts it, and grows memory that is not its own.
+#include <cctype>
+#include <cstring>
+#include <iostream>
+#include <string>
+
+#include "Module.h"
+#include "SharedText.h"
+
+using namespace Quend::Framework::Management::MemoryManager;
+
+namespace {
+
+void count(SharedText& text) {
+    bool isInWord = false;
+    for (std::size_t i = 0; i < text.size; ++i) {
+        const auto byte = static_cast<unsigned char>(text.bytes[i]);
+        const bool isSpace = std::isspace(byte) != 0;
+        text.words += !isSpace && !isInWord ? 1U : 0U;
+        isInWord = !isSpace;
+        text.lines += byte == '\n' ? 1U : 0U;
+    }
+    text.lines += text.bytes[text.size - 1] == '\n' ? 0U : 1U;  // a last line without an end
+}
+
+}  // namespace
+
+MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsFile*/) {
+    auto* const text = static_cast<SharedText*>(findObject(kSharedTextName));
+    if (text == nullptr) {
+        std::cerr << "[counter] nobody has registered \"" << kSharedTextName << "\"\n";
+        return false;
+    }
+    std::cout << "[counter] found \"" << kSharedTextName << "\" by its name\n";
+    count(*text);
+
+    const std::string result =
+        std::to_string(text->lines) + " lines, " + std::to_string(text->words) + " words";
+    void* const grown = reallocate(text->bytes, text->size + result.size());
+    if (grown == nullptr) {
+        std::cerr << "[counter] no memory for the result\n";
+        return false;
+    }
+    text->bytes = static_cast<char*>(grown);
+    std::memcpy(text->bytes + text->size, result.data(), result.size());
+    std::cout << "[counter] grew the reader's memory by " << result.size()
+              << " bytes and wrote the result behind the text: " << result << '\n';
+    return true;
+}
+
+MODULE_EXPORT void stopModule() { std::cout << "[counter] I only looked: nothing to give back\n"; }

@@ -1,0 +1,46 @@
+// A plug-in library for logging: each channel gets a line on the console and one in the file that
+// the environment variable LOGFILE names.
+#include <cstdlib>
+#include <memory>
+
+#include "ConsoleSink.h"
+#include "FileSink.h"
+
+namespace {
+
+using namespace Quend::Framework::Logging;
+
+// A provider has one sink for a channel, so this one is both. It holds them as any owner of a
+// sink does and ends them with release().
+class ConsoleAndFileSink final : public LogSink {
+ public:
+    ConsoleAndFileSink(const char* channel, const char* path)
+        : console(new ConsoleSink(channel)), file(new FileSink(channel, path)) {}
+    virtual ~ConsoleAndFileSink() = default;
+
+    void release() noexcept override { delete this; }
+
+    void write(std::uint32_t level, const char* text) override {
+        console->write(level, text);
+        file->write(level, text);
+    }
+
+ private:
+    struct Release {
+        void operator()(LogSink* sink) const noexcept { sink->release(); }
+    };
+    std::unique_ptr<LogSink, Release> console;
+    std::unique_ptr<LogSink, Release> file;
+};
+
+class Provider final : public LogSinkProvider {
+ public:
+    LogSink* createSink(const char* channelName) override {
+        const char* const path = std::getenv("LOGFILE");
+        return new ConsoleAndFileSink(channelName, path != nullptr ? path : "component.log");
+    }
+};
+
+}  // namespace
+
+extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider() { return new Provider; }

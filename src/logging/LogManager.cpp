@@ -1,0 +1,122 @@
+// Invariants, outside of calls: every channel in the map has been offered to all providers that
+// were registered when it was created; every provider that is owned is in providerRegistry as
+// well, until one of the two is emptied at unload; there is one entry in modulesOfSinks for each
+// in pluginLibraries.
+//
+// Providers and sinks are called with the lock held and may call back, so nothing is kept across
+// such a call that an inner call could move: no iterator into a vector, no reference to an entry.
+#include "logging/LogManager.h"
+
+#include <algorithm>
+#include <mutex>
+#include <string_view>
+#include <utility>
+
+#include <Quend/Framework/Exceptions.h>
+
+#include "logging/DebugString.h"
+#include "logging/ProviderRegistry.h"
+
+namespace Quend::Framework::Logging {
+
+LogManager::~LogManager() { shutdownLogging(); }
+
+ChannelHandle LogManager::getChannel(const char* name) {
+    const std::lock_guard lock(mutex);
+    const auto found = channels.find(std::string_view(name));
+    if (found != channels.end()) {
+        return found->second.get();
+    }
+    auto slot = std::make_unique<ChannelSlot>(ChannelSlot{std::make_unique<LogChannel>(name)});
+    // Entered only when it is complete: nobody finds a channel that then fails to come about.
+    attachSinks(*slot->channel);
+    return channels.try_emplace(name, std::move(slot)).first->second.get();
+}
+
+void LogManager::log(ChannelHandle handle, std::uint32_t level, const char* text) {
+    const std::lock_guard lock(mutex);
+
+    // Read at the first message of the process, and kept; setting it later changes nothing.
+    static std::wstring debugStringSetting;
+    [[maybe_unused]] static const bool debugStringRequested = readDebugString(debugStringSetting);
+
+    LogChannel& channel = *handle->channel;
+    if (channel.sinks.empty() || providerRegistry.empty() || level == 0) {
+        cacheMessage(channel, level, text);
+        return;
+    }
+    if (!channel.enabled) {
+        return;
+    }
+    writeToSinks(channel, level, text);
+}
+
+void LogManager::registerSinkProvider(std::unique_ptr<LogSinkProvider> provider) {
+    if (provider == nullptr) {
+        throw Exceptions::InvalidArgument("A sink provider must not be null.");
+    }
+    const std::lock_guard lock(mutex);
+    ownedProviders.reserve(ownedProviders.size() + 1);
+    providerRegistry.push_back(provider.get());
+    ownedProviders.push_back(std::move(provider));
+}
+
+void LogManager::loadPluginLibrary(const std::wstring& path) {
+    const std::lock_guard lock(mutex);
+    // In this order they are given up from the last to the first: no code goes before its data.
+    auto library = std::make_unique<PluginLibrary>(path);
+    auto moduleOfSinks = std::make_unique<Module>(path);
+    auto provider = library->createProvider();
+    pluginLibraries.reserve(pluginLibraries.size() + 1);
+    modulesOfSinks.reserve(modulesOfSinks.size() + 1);
+    registerSinkProvider(std::move(provider));
+    pluginLibraries.push_back(std::move(library));
+    modulesOfSinks.push_back(std::move(moduleOfSinks));
+}
+
+void LogManager::shutdownLogging() {
+    const std::lock_guard lock(mutex);
+    if (!alive) {
+        return;
+    }
+    while (!ownedProviders.empty()) {
+        // Out of both lists before it is deleted, as its destructor may log.
+        const auto provider = std::move(ownedProviders.front());
+        ownedProviders.erase(ownedProviders.begin());
+        const auto found =
+            std::find(providerRegistry.begin(), providerRegistry.end(), provider.get());
+        if (found != providerRegistry.end()) {
+            providerRegistry.erase(found);
+        }
+    }
+    for (auto& library : pluginLibraries) {
+        library.reset();
+    }
+    pluginLibraries.clear();
+    while (!channels.empty()) {  // first to last, which clear() does not promise
+        channels.erase(channels.begin());
+    }
+    modulesOfSinks.clear();
+}
+
+void LogManager::destroyUnlessHeld() {
+    std::unique_lock lock(mutex, std::try_to_lock);
+    if (lock) {
+        lock.unlock();
+        this->~LogManager();
+    }
+}
+
+ChannelHandle getChannel(const char* name) { return logManager.getChannel(name); }
+
+void log(ChannelHandle channel, std::uint32_t level, const char* text) {
+    logManager.log(channel, level, text);
+}
+
+void registerSinkProvider(std::unique_ptr<LogSinkProvider> provider) {
+    logManager.registerSinkProvider(std::move(provider));
+}
+
+void loadPluginLibrary(const std::wstring& path) { logManager.loadPluginLibrary(path); }
+
+}  // namespace Quend::Framework::Logging

@@ -1,0 +1,13 @@
+#include "logging/LogMessage.h"
+
+#include "logging/LogManager.h"
+
+namespace Quend::Framework::Logging {
+
+LogMessage::~LogMessage() noexcept {
+    if (level != 0) {
+        log(channel, level, text.get());
+    }
+}
+
+}  // namespace Quend::Framework::Logging

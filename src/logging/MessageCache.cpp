@@ -1,0 +1,35 @@
+// The states of a cache:
+//   filling     overflowed 0, fewer than kCacheCapacity records
+//   full        overflowed 0, kCacheCapacity records; the next message becomes the marker
+//   overflowed  overflowed 1, the marker is the last record; messages are dropped
+// A replay leads from each of them back to filling.
+#include "logging/MessageCache.h"
+
+#include "logging/LogChannel.h"
+
+namespace Quend::Framework::Logging {
+
+void cacheMessage(LogChannel& channel, std::uint32_t level, const char* text) {
+    if (channel.overflowed != 0) {
+        return;
+    }
+    if (channel.cache.size() < kCacheCapacity) {
+        channel.cache.push_back({level, text});
+        return;
+    }
+    channel.cache.push_back({kCacheOverflowLevel, kCacheOverflowText});
+    channel.overflowed = 1;
+}
+
+void replayCache(LogChannel& channel) {
+    // Sinks may log while they write, so records are counted anew each time, and the one at hand
+    // is a copy: the cache may grow and move its own.
+    for (std::size_t i = 0; i < channel.cache.size(); ++i) {
+        const CachedLogRecord record = channel.cache[i];
+        writeToSinks(channel, record.level, record.text.c_str());
+    }
+    channel.cache.clear();
+    channel.overflowed = 0;
+}
+
+}  // namespace Quend::Framework::Logging

@@ -1,0 +1,56 @@
+#include "logging/PluginLibrary.h"
+
+#include <windows.h>
+
+#include <stdexcept>
+#include <system_error>
+
+namespace Quend::Framework::Logging {
+namespace {
+
+// For a message only: what is not ASCII becomes a question mark, whatever the locale.
+std::string readable(const std::wstring& path) {
+    std::string text;
+    for (const wchar_t unit : path) {
+        text += unit < 0x80 ? static_cast<char>(unit) : '?';
+    }
+    return text;
+}
+
+}  // namespace
+
+Module::Module(const std::wstring& path) : handle_(LoadLibraryW(path.c_str())) {
+    if (handle_ == nullptr) {
+        const auto code = static_cast<int>(GetLastError());
+        throw std::system_error(code, std::system_category(),
+                                "Cannot load the plug-in library " + readable(path));
+    }
+}
+
+Module::~Module() { FreeLibrary(static_cast<HMODULE>(handle_)); }
+
+void* Module::find(const char* name) const noexcept {
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
+}
+
+std::unique_ptr<LogSinkProvider> PluginLibrary::createProvider() const {
+    auto* const create = reinterpret_cast<CreateLogSinkProvider*>(module.find(kPluginEntryPoint));
+    if (create == nullptr) {
+        throw std::runtime_error("The plug-in library has no entry point createLogSinkProvider");
+    }
+    std::string reason = "it returned no provider";
+    try {
+        std::unique_ptr<LogSinkProvider> provider(create());
+        if (provider != nullptr) {
+            return provider;
+        }
+    } catch (const std::exception& error) {
+        reason = error.what();
+    } catch (...) {
+        reason = "an exception of an unknown type";
+    }
+    // Outside of the handlers: the plug-in's exception object is gone before its module is.
+    throw std::runtime_error("The entry point of the plug-in library failed: " + reason);
+}
+
+}  // namespace Quend::Framework::Logging

@@ -1,0 +1,92 @@
+// The names of Windows and of its C runtime that the portable sources and their tests use and
+// Linux lacks; included ahead of every source of the native build. Each follows the Windows
+// convention as far as the library relies on it: a count includes the terminator, and a failure
+// stores 0 and leaves an empty string.
+#pragma once
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#define __int64 long  // `unsigned __int64` is size_t on both
+
+namespace host {
+
+// Converts with wcstombs or mbstowcs. What is behind the terminator is garbage on purpose: the
+// debug runtime of Windows fills the buffer too.
+template <typename To, typename From>
+int convert(std::size_t (*function)(To*, const From*, std::size_t), std::size_t* converted,
+            To* buffer, std::size_t size, const From* text, std::size_t count) {
+    std::memset(buffer, 0xFE, size * sizeof(To));
+    *buffer = To();
+    *converted = 0;
+    const std::size_t length = function(nullptr, text, 0);
+    if (length == SIZE_MAX) {
+        return EILSEQ;
+    }
+    if (std::min(length, count) >= size) {
+        return ERANGE;
+    }
+    *converted = function(buffer, text, std::min(length, count)) + 1;
+    buffer[*converted - 1] = To();
+    return 0;
+}
+
+}  // namespace host
+
+inline int wcstombs_s(std::size_t* converted, char* buffer, std::size_t size, const wchar_t* text,
+                      std::size_t count) {
+    return host::convert(&std::wcstombs, converted, buffer, size, text, count);
+}
+
+inline int mbstowcs_s(std::size_t* converted, wchar_t* buffer, std::size_t size, const char* text,
+                      std::size_t count) {
+    return host::convert(&std::mbstowcs, converted, buffer, size, text, count);
+}
+
+// With a size of 0 it only stores the size needed: 0 for a variable that does not exist.
+inline int _wgetenv_s(std::size_t* needed, wchar_t* buffer, std::size_t size, const wchar_t* name) {
+    const char* const value = std::getenv(std::filesystem::path(name).c_str());
+    *needed = value == nullptr ? 0 : std::strlen(value) + 1;
+    if (*needed == 0 || size == 0) {
+        return 0;
+    }
+    return mbstowcs_s(needed, buffer, size, value, size);
+}
+
+struct __timeb64 {
+    std::int64_t time;
+    unsigned short millitm;
+};
+
+inline int _ftime64_s(__timeb64* now) {
+    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(
+                                std::chrono::system_clock::now().time_since_epoch())
+                                .count();
+    *now = {sinceEpoch / 1000, static_cast<unsigned short>(sinceEpoch % 1000)};
+    return 0;
+}
+
+using DWORD = unsigned long;
+using HMODULE = void*;
+using FARPROC = std::intptr_t (*)();
+
+inline DWORD GetCurrentThreadId() { return static_cast<DWORD>(gettid()); }
+inline DWORD GetLastError() { return 126; }  // the module could not be found
+
+// The empty path is the program itself.
+inline HMODULE LoadLibraryW(const wchar_t* path) {
+    return dlopen(std::filesystem::path(path).c_str(), RTLD_NOW);
+}
+inline FARPROC GetProcAddress(HMODULE module, const char* name) {
+    return reinterpret_cast<FARPROC>(dlsym(module, name));
+}
+inline int FreeLibrary(HMODULE module) { return dlclose(module) == 0 ? 1 : 0; }
