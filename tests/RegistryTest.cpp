@@ -92,16 +92,20 @@ struct NotedCalls {
 // killed tests left behind is swept first.
 struct RegistryTest : testing::Test {
     RegistryTest() {
-        const Registry all =
-            Registry(HKEY_CURRENT_USER, "Software").createSubKey("QuendFrameworkTests");
-        for (const Registry& left : all.getSubKeys()) {
-            auto* const owner = OpenProcess(SYNCHRONIZE, FALSE, std::stoul(left.getName()));
-            if (owner == nullptr || left.getName() == pid) {
-                all.deleteSubKey(left.getName());
+        // Others come and go meanwhile, so that no failure counts here.
+        HKEY all = nullptr;
+        RegCreateKeyA(HKEY_CURRENT_USER, R"(Software\QuendFrameworkTests)", &all);
+        std::array<char, 256> left{};
+        for (DWORD i = 0; RegEnumKeyA(all, i, left.data(), left.size()) == 0; ++i) {
+            auto* const owner =
+                OpenProcess(SYNCHRONIZE, FALSE, std::strtoul(left.data(), nullptr, 10));
+            if (owner == nullptr || left.data() == pid) {
+                SHDeleteKeyA(all, left.data());
             }
             CloseHandle(owner);
         }
-        key = all.createSubKey(pid);
+        RegCloseKey(all);
+        key = Registry(HKEY_CURRENT_USER, "Software").createSubKey("QuendFrameworkTests\\" + pid);
         key.setIntValue("number", 0x80000001);
         key.setStringValue("text", chars("some"));
         key.createSubKey("a");
@@ -322,9 +326,13 @@ TEST_F(RegistryTest, WritesTwoBytesForEachByteOfText) {
 
 long allocationsLeft = 0;
 decltype(std::malloc)* realMalloc = nullptr;
+decltype(std::realloc)* realRealloc = nullptr;
 void* faultyMalloc(std::size_t size) { return --allocationsLeft == 0 ? nullptr : realMalloc(size); }
+void* faultyRealloc(void* block, std::size_t size) {
+    return --allocationsLeft == 0 ? nullptr : realRealloc(block, size);
+}
 
-// malloc serves both operator new and the demangling.
+// malloc serves operator new, realloc the demangling.
 TEST(RegistryErrors, WhatIsComposedOnceAndNeverThrows) {
     struct Grouping : std::numpunct<char> {
         std::string do_grouping() const override { return "\3"; }
@@ -340,7 +348,9 @@ TEST(RegistryErrors, WhatIsComposedOnceAndNeverThrows) {
         std::string first(expected.size(), '?');
         {
             const tests::ImportPatch patch("malloc", reinterpret_cast<void*>(&faultyMalloc));
+            const tests::ImportPatch other("realloc", reinterpret_cast<void*>(&faultyRealloc));
             realMalloc = patch.original<decltype(std::malloc)>();
+            realRealloc = other.original<decltype(std::realloc)>();
             allocationsLeft = n;
             first = error.what();
             failed = allocationsLeft <= 0;

@@ -8,6 +8,7 @@
 
 #include <shlwapi.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <memory>
@@ -107,15 +108,20 @@ void raiseFailure(LSTATUS code, const Failures& failures, std::int32_t line) {
 // One limit for every listing, in units for names and in bytes for data.
 constexpr DWORD kListingLimit = 261;
 
+// What precedes the first NUL; all of the buffer if there is none.
+template <std::size_t Size>
+std::wstring textIn(const std::array<wchar_t, Size>& buffer) {
+    return {buffer.begin(), std::find(buffer.begin(), buffer.end(), L'\0')};
+}
+
 // Lists the values up to the one named `valueName` and stores its text in `text`; returns the
 // first result code that is not success, or success.
 LSTATUS findText(HKEY key, std::wstring_view valueName, std::wstring& text) {
     for (DWORD index = 0;; ++index) {
+        // Fresh for each value, so that nothing of a longer one is left.
         std::array<wchar_t, kListingLimit> name{};
+        std::array<wchar_t, kListingLimit / sizeof(wchar_t) + 1> data{};  // 262 bytes: whole units
         DWORD nameLength = kListingLimit;
-        // Longer than the platform is told, so that data of any length, odd ones included, ends
-        // with a NUL unit; fresh for each value, so that nothing of a longer one is left.
-        std::array<wchar_t, kListingLimit / sizeof(wchar_t) + 2> data{};
         DWORD dataLength = kListingLimit;
         DWORD type = 0;
         const LSTATUS code = RegEnumValueW(key, index, name.data(), &nameLength, nullptr, &type,
@@ -124,17 +130,16 @@ LSTATUS findText(HKEY key, std::wstring_view valueName, std::wstring& text) {
             return code;
         }
         if (std::wstring_view(name.data(), nameLength) == valueName) {
-            text = data.data();
+            text = textIn(data);
             return ERROR_SUCCESS;
         }
     }
 }
 
-// Lists one sub key; `subKeyName` is what precedes the first NUL.
 LSTATUS readSubKeyName(HKEY key, DWORD index, std::wstring& subKeyName) {
-    std::array<wchar_t, kListingLimit + 1> buffer{};  // ends with a NUL even when filled
+    std::array<wchar_t, kListingLimit> buffer{};
     const LSTATUS code = RegEnumKeyW(key, index, buffer.data(), kListingLimit);
-    subKeyName = buffer.data();
+    subKeyName = textIn(buffer);
     return code;
 }
 
