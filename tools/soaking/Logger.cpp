@@ -15,6 +15,7 @@ using namespace Quend::Framework::Logging;
 Tally* current = nullptr;
 
 struct Sink final : LogSink {
+    virtual ~Sink() = default;
     void release() noexcept override {
         ++current->objectsDestroyed;
         std::unique_ptr<Sink>(this).reset();
