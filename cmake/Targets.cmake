@@ -9,6 +9,7 @@ set(headers
   include/Quend/Framework/PropertyManager.h)
 list(TRANSFORM headers PREPEND ${PROJECT_SOURCE_DIR}/)
 set(sources
+  command/CommandRunner.cpp
   core/EntryPoint.cpp
   core/MemoryManager.cpp
   core/ObjectRegistry.cpp
