@@ -35,7 +35,7 @@ std::string complaintOf(const std::function<void()>& call) {
 
 struct Value {
     std::wstring text;
-    const std::wstring* place;  // where the store keeps it
+    const std::wstring* place = nullptr;  // where the store keeps it
 };
 
 }  // namespace
