@@ -20,10 +20,9 @@
 
 namespace Quend::Framework::Logging {
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the buffer is filled as it is used
 class MessageText {
  public:
-    MessageText() {}  // NOLINT(cppcoreguidelines-pro-type-member-init): buffer is filled as it is used
-
     template <typename T>
     void insert(const T& value) {
         if (!stream && isAppended(value)) {

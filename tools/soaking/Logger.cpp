@@ -1,0 +1,61 @@
+// The whole library in a module of its own, so that logging is loaded, used and unloaded as well.
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+
+#include "Soak.h"
+#include "logging/LogManager.h"
+#include "logging/LogMessage.h"
+
+namespace {
+
+using namespace Quend::Framework::Logging;
+
+Tally* current = nullptr;
+
+struct Sink final : LogSink {
+    void release() noexcept override {
+        ++current->objectsDestroyed;
+        std::unique_ptr<Sink>(this).reset();
+    }
+    void write(std::uint32_t, const char* text) override {
+        ++current->messagesWritten;
+        if (std::strcmp(text, "throw") == 0) {
+            throw std::runtime_error("on purpose");
+        }
+    }
+};
+
+struct Provider final : LogSinkProvider {
+    LogSink* createSink(const char* channel) override {
+        if (std::strcmp(channel, "silent") == 0) {
+            return nullptr;
+        }
+        ++current->objectsMade;
+        return new Sink;
+    }
+};
+
+}  // namespace
+
+extern "C" __declspec(dllexport) void work(Tally* tally) {
+    static std::once_flag once;
+    std::call_once(once, [tally] {
+        current = tally;
+        registerSinkProvider(std::make_unique<Provider>());
+    });
+    for (int i = 0; i < 100; ++i) {
+        const std::string name = "channel " + std::to_string(i % 5);
+        LogMessage(getChannel(name.c_str()), 10) << "message " << i << " of " << 100;
+        LogMessage(getChannel("silent"), 10) << "half of it: " << i / 2.0;  // into the cache
+        try {
+            log(getChannel(name.c_str()), 10, "throw");
+            ++tally->mistakes;
+        } catch (const std::runtime_error&) {
+            ++tally->exceptions;
+        }
+        tally->messagesLogged += 2;
+        tally->operations += 6;
+    }
+}
