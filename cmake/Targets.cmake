@@ -21,7 +21,9 @@ set(sources
   logging/MessageCache.cpp
   logging/PluginLibrary.cpp
   properties/PropertyManagerImpl.cpp
-  properties/TextConversion.cpp)
+  properties/TextConversion.cpp
+  Quend/RegistryAccess/Registry.cpp
+  Quend/RegistryAccess/RegistryErrors.cpp)
 list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
 
 # How everything of ours is compiled. PRIVATE: no flag of this reaches a consumer.
