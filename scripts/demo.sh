@@ -18,3 +18,15 @@ bin=$root/build/mingw/bin
 echo
 echo "== Modules that work together through the library =="
 "$root"/scripts/wine "$bin"/host.exe "$text" "$settings"
+
+echo
+echo "== Inside the library: logging, with a plug-in that brings sinks =="
+(cd "$bin" && "$root"/scripts/wine component.exe logging "$(mktemp -d)"/demo.log)
+
+echo
+echo "== Inside the library: the Windows registry =="
+"$root"/scripts/wine "$bin"/component.exe registry
+
+echo
+echo "== Inside the library: commands =="
+"$root"/scripts/wine "$bin"/component.exe commands

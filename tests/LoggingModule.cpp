@@ -1,7 +1,20 @@
 #include "LoggingPlugin.h"
 #include "logging/LogManager.h"
 
+namespace {
+
+using namespace Quend::Framework::Logging;
+
+// At unload no provider is registered any more, so this message is cached and seen by nobody.
+struct LastWords final : LogSinkProvider {
+    ~LastWords() override { log(getChannel("c"), 1, "last words"); }
+    LogSink* createSink(const char*) override { return nullptr; }
+};
+
+}  // namespace
+
 extern "C" __declspec(dllexport) void logInModule(const wchar_t* plugin, const char* text) {
-    Quend::Framework::Logging::loadPluginLibrary(plugin);
-    Quend::Framework::Logging::log(Quend::Framework::Logging::getChannel("c"), 1, text);
+    registerSinkProvider(std::make_unique<LastWords>());
+    loadPluginLibrary(plugin);
+    log(getChannel("c"), 1, text);
 }

@@ -326,8 +326,8 @@ TEST(Logging, EveryPairOfCallsFromTwoThreads) {
             }
         };
         std::array<std::vector<ChannelHandle>, 2> handles;
-        std::thread other(run, pair / kCalls, &handles[0]);
-        run(pair % kCalls, &handles[1]);
+        std::thread other(run, pair / kCalls, &handles.front());
+        run(pair % kCalls, &handles.back());
         other.join();
         const auto threads = [&](unsigned call) {
             return (pair / kCalls == call ? 1U : 0U) + (pair % kCalls == call ? 1U : 0U);
