@@ -20,6 +20,9 @@
 #include <benchmark/benchmark.h>
 #endif
 
+// Stands behind a lambda's parameters: its body is called, not copied to where it is used.
+#define BENCH_OUT_OF_LINE __attribute__((noinline))
+
 namespace bench {
 
 // Calls `body` once, and has the compiler believe that somebody looks at what it returns.

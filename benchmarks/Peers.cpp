@@ -46,19 +46,22 @@ void addInterprocess() {
     });
 }
 
-// getRawString is the one without expansion of ${variables}; it returns a copy. get_child
-// returns a reference, and takes the name for a path, of one element here.
+// getString is the usual one, getRawString leaves out the expansion of ${variables}; both return
+// a copy. get_child returns a reference, and takes the name for a path, of one element here.
 void addConfigurations() {
-    const auto& names = *new auto(shuffledNames(1000));
+    const auto& names = *new auto(shuffledNames(100));
     auto& configuration = *new Poco::AutoPtr(new Poco::Util::MapConfiguration);
     auto& wideNames = *new std::vector<std::wstring>;
     auto& tree = *new boost::property_tree::wptree;
     for (const std::string& name : names) {
-        configuration->setString(name, "the value");
+        configuration->setString(name, "C:\\Program Files\\Kit\\Modules\\Shared");
         wideNames.emplace_back(name.begin(), name.end());
-        tree.put(wideNames.back(), L"the value");
+        tree.put(wideNames.back(), L"C:\\Program Files\\Kit\\Modules\\Shared");
     }
     addCase("readProperty/POCO", [&configuration, name = Round(names)]() mutable {
+        return configuration->getString(name.next()).size();
+    });
+    addCase("readProperty/POCO raw", [&configuration, name = Round(names)]() mutable {
         return configuration->getRawString(name.next()).size();
     });
     addCase("readProperty/Boost", [&tree, name = Round(wideNames)]() mutable {

@@ -1,4 +1,4 @@
-// Bare: rand() behind a plain std::mutex.
+// Bare: rand() behind a plain std::mutex, out of line.
 #include <Quend/Framework/Framework.h>
 
 #include <cstdlib>
@@ -11,7 +11,7 @@ namespace bench {
 void addRandomSource() {
     addCase("randomNumber/ours", [] { return Quend::Framework::Framework::randomNumber(); });
     static std::mutex mutex;
-    addCase("randomNumber/bare", [] {
+    addCase("randomNumber/bare", []() BENCH_OUT_OF_LINE {
         const std::lock_guard lock(mutex);
         return std::rand();
     });
