@@ -13,7 +13,6 @@
 #include <thread>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include <Quend/Framework/Exceptions.h>
 
@@ -21,6 +20,7 @@
 #include "logging/LogMessage.h"
 #include "logging/ProviderRegistry.h"
 #include "support/Allocations.h"
+#include "support/Threads.h"
 
 namespace {
 
@@ -285,57 +285,17 @@ TEST(Logging, ThreadsLogWholeMessagesOneAtATimeInTheirOrder) {
         wrong += text.substr(1) == " says " + std::to_string(next.at(thread)++) ? 0 : 1;
         --inside;
     }));
-    std::vector<std::thread> threads;
-    for (unsigned t = 0; t < kThreads; ++t) {
-        threads.emplace_back([t] {
-            for (unsigned i = 0; i < kMessages; ++i) {
-                const std::string channel(1, static_cast<char>('a' + i % 5));
-                LogMessage(getChannel(channel.c_str()), 10) << t << " says " << i;
-            }
-        });
-    }
-    for (auto& thread : threads) {
-        thread.join();
-    }
+    tests::inThreads(kThreads, [](unsigned thread) {
+        for (unsigned i = 0; i < kMessages; ++i) {
+            const std::string channel(1, static_cast<char>('a' + i % 5));
+            LogMessage(getChannel(channel.c_str()), 10) << thread << " says " << i;
+        }
+    });
     EXPECT_EQ(wrong, 0U);
     for (const unsigned count : next) {
         EXPECT_EQ(count, kMessages);
     }
     logManager.shutdownLogging();  // what its sinks refer to ends here
-}
-
-// Nothing else in the loops: another call's lock would hide a missing one.
-TEST(Logging, EveryPairOfCallsFromTwoThreads) {
-    constexpr unsigned kCalls = 3;
-    for (unsigned round = 0; round < 30 * kCalls * kCalls; ++round) {
-        const unsigned pair = round % (kCalls * kCalls);
-        LogManager manager;
-        auto* const handle = manager.getChannel("c");
-        std::atomic<int> ready{0};
-        const auto run = [&](unsigned call, std::vector<ChannelHandle>* handles) {
-            for (++ready; ready < 2;) {
-            }
-            for (int i = 0; i < (call == 1 ? 50 : 300); ++i) {
-                if (call == 0) {
-                    handles->push_back(manager.getChannel(std::to_string(i).c_str()));
-                } else if (call == 1) {
-                    manager.log(handle, 0, "cached");
-                } else {
-                    addProvider(manager, "p");
-                }
-            }
-        };
-        std::array<std::vector<ChannelHandle>, 2> handles;
-        std::thread other(run, pair / kCalls, &handles.front());
-        run(pair % kCalls, &handles.back());
-        other.join();
-        const auto threads = [&](unsigned call) {
-            return (pair / kCalls == call ? 1U : 0U) + (pair % kCalls == call ? 1U : 0U);
-        };
-        EXPECT_EQ(handle->channel->cache.size(), 50 * threads(1)) << pair;
-        EXPECT_EQ(providerRegistry.size(), 300 * threads(2)) << pair;
-        EXPECT_TRUE(pair != 0 || handles[0] == handles[1]);
-    }
 }
 
 const char* const kLongText = "and more of it than a short string holds in place";

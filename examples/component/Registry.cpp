@@ -116,7 +116,8 @@ int showRegistry(const Arguments& arguments) {
     }
     try {
         const auto backslash = path.find('\\');
-        const Registry key(root->key, backslash == std::string::npos ? "" : path.substr(backslash + 1));
+        const Registry key(root->key,
+                           backslash == std::string::npos ? "" : path.substr(backslash + 1));
         std::cout << "The tree of " << path << ":\n";
         printTree(key, valueNames);
         showScratchTree();
