@@ -31,16 +31,18 @@ struct Case {
     const char* name;
     int calls;  // in one repetition
     std::function<void()> body;
+    int operations = 1;  // in one call
 };
 
 void* volatile kept;
+constexpr int kAllocations = 10'000;
 
 // Blocks of 32 bytes. The function is called by its address on both sides, as a client does it
 // with any DLL.
 std::function<void()> allocateWith(void* allocate, void* deallocate) {
     return [allocate = reinterpret_cast<void* (*)(unsigned long long)>(allocate),
             deallocate = reinterpret_cast<void (*)(void*)>(deallocate)] {
-        for (int i = 0; i < 10'000; ++i) {
+        for (int i = 0; i < kAllocations; ++i) {
             kept = allocate(32);
             deallocate(kept);
         }
@@ -142,14 +144,14 @@ void measure(const std::vector<Case>& cases, int repetitions) {
             const std::chrono::duration<double, std::nano> taken =
                 std::chrono::steady_clock::now() - start;
             if (i >= 0) {
-                std::printf("%s\t%.0f\n", each.name, taken.count() / each.calls);
+                std::printf("%s\t%.1f\n", each.name, taken.count() / each.calls / each.operations);
             }
         }
     }
 }
 
 int main(int argc, char** argv) {
-    const int repetitions = argc > 1 ? std::atoi(argv[1]) : 11;
+    const int repetitions = argc > 1 ? std::atoi(argv[1]) : 15;
 
     // While nothing else holds the library, but what it imports is there already.
     measure({{"load/ours", 10, load(L"Quend_Framework_1.1.12.dll")},
@@ -195,8 +197,8 @@ int main(int argc, char** argv) {
     };
 
     const std::vector<Case> cases = {
-        {"allocate/ours", 100, allocateOurs},
-        {"allocate/bare", 100, allocateBare},
+        {"allocate/ours", 20, allocateOurs, kAllocations},
+        {"allocate/bare", 20, allocateBare, kAllocations},
         {"registry read/ours", 300,
          [&] { require(registry.getIntValue("number") == 7, "getIntValue"); }},
         {"registry read/bare", 300, [&] { readRaw(parent); }},

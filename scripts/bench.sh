@@ -46,7 +46,7 @@ case $1 in
     scripts/install-tools $native $peers python3 g++-mingw-w64-x86-64-posix wine wine64
     build host-bench Benchmarks
     build mingw WindowsBenchmarks
-    build/host-bench/bin/Benchmarks --benchmark_repetitions=11 --benchmark_min_time=0.05 \
+    build/host-bench/bin/Benchmarks --benchmark_repetitions=25 --benchmark_min_time=0.02 \
         --benchmark_enable_random_interleaving=true --benchmark_out="$results/times.json" \
         >/dev/null 2>&1
     scripts/wine --keep-server
