@@ -67,8 +67,6 @@ def main():
         panels[0].set_ylabel("ns an operation")
         shown.tight_layout()
         shown.savefig(f"{folder}/growth-{picture}.svg", metadata={"Date": None})
-        if len(sys.argv) > 3:
-            shown.savefig(f"{folder}/growth-{picture}.png")
 
 
 main()
