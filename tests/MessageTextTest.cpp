@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <iomanip>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
@@ -33,51 +35,25 @@ TEST(MessageText, EqualsAStreamOverRandomInsertions) {
         };
         for (unsigned count = random() % 12; count > 0; --count) {
             const unsigned value = random();
-            switch (random() % (round % 2 == 0 ? 7 : 14)) {  // every other round: the stream too
-                case 0:
-                    insert("a literal");
-                    break;
-                case 1:
-                    insert(std::string(value % 80, 'x'));
-                    break;
-                case 2:
-                    insert(static_cast<int>(value));
-                    break;
-                case 3:
-                    insert(value);
-                    break;
-                case 4:
-                    insert(std::numeric_limits<long long>::min() + value);
-                    break;
-                case 5:
-                    insert(static_cast<short>(value));
-                    break;
-                case 6:
-                    insert(static_cast<char>('a' + value % 26));
-                    break;
-                case 7:
-                    insert(static_cast<unsigned char>('A' + value % 26));
-                    break;
-                case 8:
-                    insert(value % 2 == 0);
-                    break;
-                case 9:
-                    insert(value / 7.0);
-                    break;
-                case 10:
-                    insert(static_cast<const void*>(&text));
-                    break;
-                case 11:
-                    insert(std::setw(static_cast<int>(value % 20)));
-                    break;
-                case 12:
-                    insert(value % 2 == 0 ? std::hex : std::showpos);
-                    break;
-                default:
-                    if (value % 8 == 0) {
-                        insert(nullText);
-                    }
-            }
+            const auto small = static_cast<char>(value % 26);
+            const std::function<void()> insertions[] = {
+                [&] { insert("a literal"); },
+                [&] { insert(std::string(value % 80, 'x')); },
+                [&] { insert(static_cast<int>(value)); },
+                [&] { insert(value); },
+                [&] { insert(std::numeric_limits<long long>::min() + value); },
+                [&] { insert(static_cast<short>(value)); },
+                [&] { insert(static_cast<char>('a' + small)); },
+                // From here on, they make the stream.
+                [&] { insert(static_cast<unsigned char>('A' + small)); },
+                [&] { insert(value % 2 == 0); },
+                [&] { insert(value / 7.0); },
+                [&] { insert(static_cast<const void*>(&text)); },
+                [&] { insert(std::setw(small)); },
+                [&] { insert(value % 2 == 0 ? std::hex : std::showpos); },
+                [&] { insert(value % 8 == 0 ? nullText : "another"); },
+            };
+            insertions[random() % (round % 2 == 0 ? 7 : std::size(insertions))]();
         }
         EXPECT_EQ(text.get(), stream.str());
     }

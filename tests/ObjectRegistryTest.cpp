@@ -34,42 +34,6 @@ IRegisteredObject* neverCalled() {
 
 const char* const kLongName = "a name that no short string optimisation holds";
 
-TEST(ObjectRegistry, LastReferenceDestroysTheObject) {
-    ObjectRegistry registry;
-    registry.unregisterObject("n");
-    EXPECT_EQ(registry.findObject("n"), nullptr);
-    IRegisteredObject* const object = registry.registerObject("n", makeTracked);
-    EXPECT_EQ(registry.registerObject("n", neverCalled), object);
-    EXPECT_EQ(registry.findObject("n"), object);
-    const long before = destroyed;
-    registry.unregisterObject("n");
-    EXPECT_EQ(destroyed, before);
-    EXPECT_EQ(registry.findObject("n"), object);
-    registry.unregisterObject("n");
-    EXPECT_EQ(destroyed, before + 1);
-    EXPECT_EQ(registry.findObject("n"), nullptr);
-    registry.unregisterObject("n");
-    EXPECT_EQ(destroyed, before + 1);
-}
-
-TEST(ObjectRegistry, NamesAreExactBytes) {
-    const std::array<std::string, 8> names = {
-        "", " ", "abc", "ABC", "abc ", "ab", "\x80\xff\xfe", std::string(100'000, 'x')};
-    ObjectRegistry registry;
-    std::map<std::string, IRegisteredObject*> objects;
-    for (const auto& name : names) {
-        EXPECT_EQ(registry.findObject(name.c_str()), nullptr);
-        std::string passed = name;  // copied: the caller's text may change afterwards
-        objects[name] = registry.registerObject(passed.c_str(), makeTracked);
-        passed.assign(passed.size(), '?');
-    }
-    for (const auto& name : names) {
-        EXPECT_EQ(registry.findObject(name.c_str()), objects[name]);
-        registry.unregisterObject(name.c_str());
-        EXPECT_EQ(registry.findObject(name.c_str()), nullptr);
-    }
-}
-
 // A name held with null counts references, also that of a call whose factory throws, and never
 // takes a later object in.
 TEST(ObjectRegistry, MatchesModelOverRandomOperations) {
@@ -77,10 +41,12 @@ TEST(ObjectRegistry, MatchesModelOverRandomOperations) {
         IRegisteredObject* object;
         unsigned count;
     };
+    const std::array<std::string, 9> names = {
+        "", " ", "abc", "ABC", "abc ", "ab", "\x80\xff\xfe", kLongName, std::string(100'000, 'x')};
     const unsigned seed = std::random_device()();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
-    const auto below = [&](unsigned n) { return random() % n; };
+    const auto below = [&](std::size_t n) { return random() % n; };
     ObjectRegistry registry;
     std::map<std::string, Entry> model;
     long unrecorded = 0;
@@ -88,7 +54,8 @@ TEST(ObjectRegistry, MatchesModelOverRandomOperations) {
     long heldObjects = 0;
 
     for (int step = 0; step < 100'000 && !testing::Test::HasFailure(); ++step) {
-        const std::string name(std::size_t{10} * below(3), static_cast<char>('a' + below(3)));
+        // Passed from a place of its own: the registry keeps nothing of it.
+        const std::string name = names.at(below(names.size()));
         const auto found = model.find(name);
         const bool holdsObject = found != model.end() && found->second.object != nullptr;
         const auto recordIfNew = [&](IRegisteredObject* object) {
@@ -99,7 +66,7 @@ TEST(ObjectRegistry, MatchesModelOverRandomOperations) {
                 heldObjects += object != nullptr ? 1 : 0;
             }
         };
-        switch (below(5)) {
+        switch (below(8)) {  // more is given back than taken, so objects come and go
             case 0: {
                 IRegisteredObject* const object =
                     registry.registerObject(name.c_str(), makeTracked);
