@@ -73,7 +73,8 @@ inline std::vector<std::string> shuffledNames(std::size_t count) {
         const std::string digits = std::to_string(i);
         names.push_back("name-" + std::string(7 - digits.size(), '0') + digits);
     }
-    std::shuffle(names.begin(), names.end(), std::mt19937(1));  // NOLINT(cert-msc51-cpp): repeatable
+    std::shuffle(names.begin(), names.end(),
+                 std::mt19937(1));  // NOLINT(cert-msc51-cpp): repeatable
     return names;
 }
 

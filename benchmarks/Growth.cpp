@@ -22,7 +22,8 @@ struct Tables {
             wideNames.emplace_back(name.begin(), name.end());
         }
         for (std::size_t i = 0; i < count; ++i) {
-            objects.registerObject(names[i].c_str(), +[] { return new IRegisteredObject; });
+            objects.registerObject(
+                names[i].c_str(), +[] { return new IRegisteredObject; });
         }
         for (const std::wstring& name : wideNames) {
             store.setProperty(name, L"the value");
@@ -77,7 +78,8 @@ void addGrowth() {
     auto* const channel = Logging::getChannel("threads");
     auto& mutex = *new std::mutex;
     auto& objects = *new Management::MemoryManager::ObjectRegistry;
-    objects.registerObject("held", +[] { return new IRegisteredObject; });
+    objects.registerObject(
+        "held", +[] { return new IRegisteredObject; });
     for (const int threads : {1, 2, 4, 8, 16}) {
         const std::string suffix = std::string("/").append(std::to_string(threads));
         addCase(

@@ -25,9 +25,8 @@ void addPropertyStore() {
     for (const std::wstring& name : names) {
         bare.emplace(name, kValue);
     }
-    addCase("readProperty/ours", [&store, name = Round(names)]() mutable {
-        return &store.readProperty(name.next());
-    });
+    addCase("readProperty/ours",
+            [&store, name = Round(names)]() mutable { return &store.readProperty(name.next()); });
     addCase("readProperty/bare", [&bare, name = Round(names)]() mutable BENCH_OUT_OF_LINE {
         const auto found = bare.find(name.next());
         return found == bare.end() ? nullptr : &found->second;

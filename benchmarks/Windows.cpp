@@ -62,13 +62,16 @@ void readRaw(HKEY key) {
     DWORD size = sizeof(value);
     DWORD type = 0;
     require(RegQueryValueExW(key, L"number", nullptr, &type, reinterpret_cast<BYTE*>(&value),
-                             &size) == 0 && type == REG_DWORD && value == 7, "RegQueryValueExW");
+                             &size) == 0 &&
+                type == REG_DWORD && value == 7,
+            "RegQueryValueExW");
 }
 
 void setRaw(HKEY key) {
     const DWORD value = 7;
     require(RegSetValueExW(key, L"number", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value),
-                           sizeof(value)) == 0, "RegSetValueExW");
+                           sizeof(value)) == 0,
+            "RegSetValueExW");
 }
 
 // With the names kept beside the keys, in narrow text, as the library does it.
@@ -97,8 +100,9 @@ std::string runRaw(std::string command) {
     for (auto& pipe : pipes) {
         DWORD mode = PIPE_NOWAIT;
         require(CreatePipe(&pipe[0], &pipe[1], &attributes, 0) != 0 &&
-                SetHandleInformation(pipe[0], HANDLE_FLAG_INHERIT, 0) != 0 &&
-                SetNamedPipeHandleState(pipe[0], &mode, nullptr, nullptr) != 0, "CreatePipe");
+                    SetHandleInformation(pipe[0], HANDLE_FLAG_INHERIT, 0) != 0 &&
+                    SetNamedPipeHandleState(pipe[0], &mode, nullptr, nullptr) != 0,
+                "CreatePipe");
     }
     STARTUPINFOA startup = {};
     startup.cb = sizeof(startup);
@@ -109,9 +113,10 @@ std::string runRaw(std::string command) {
     GetSystemDirectoryA(application, sizeof(application));
     command.insert(0, "/c ");
     PROCESS_INFORMATION process = {};
-    require(CreateProcessA((application + std::string("\\cmd.exe")).c_str(), command.data(),
-                           nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &startup,
-                           &process) != 0, "CreateProcessA");
+    require(
+        CreateProcessA((application + std::string("\\cmd.exe")).c_str(), command.data(), nullptr,
+                       nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &startup, &process) != 0,
+        "CreateProcessA");
     CloseHandle(pipes[0][1]);
     CloseHandle(pipes[1][1]);
     std::string output;
@@ -167,9 +172,8 @@ int main(int argc, char** argv) {
         return address;
     };
     const std::string scope = "_ZN5Quend9Framework10Management13MemoryManager";
-    const auto allocateOurs =
-        allocateWith(function(library, (scope + "8allocateEy").c_str()),
-                     function(library, (scope + "10deallocateEPv").c_str()));
+    const auto allocateOurs = allocateWith(function(library, (scope + "8allocateEy").c_str()),
+                                           function(library, (scope + "10deallocateEPv").c_str()));
     const auto allocateBare = allocateWith(function(runtime, "malloc"), function(runtime, "free"));
 
     HKEY parent = nullptr;
@@ -208,7 +212,9 @@ int main(int argc, char** argv) {
          [&] { require(registry.getSubKeys().size() == 100, "getSubKeys"); }},
         {"registry list/bare", 3, [&] { listRaw(parent); }},
         {"runCommand/ours", 1,
-         [&] { requireOutput(std::get<1>(Quend::Framework::Command::runCommand("type output.txt"))); }},
+         [&] {
+             requireOutput(std::get<1>(Quend::Framework::Command::runCommand("type output.txt")));
+         }},
         {"runCommand/bare", 1, [&] { requireOutput(runRaw("type output.txt")); }},
     };
     measure(cases, repetitions);
