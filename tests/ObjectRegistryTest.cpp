@@ -54,8 +54,7 @@ TEST(ObjectRegistry, MatchesModelOverRandomOperations) {
     long heldObjects = 0;
 
     for (int step = 0; step < 100'000 && !testing::Test::HasFailure(); ++step) {
-        // Passed from a place of its own: the registry keeps nothing of it.
-        const std::string name = names.at(below(names.size()));
+        const std::string& name = names.at(below(names.size()));
         const auto found = model.find(name);
         const bool holdsObject = found != model.end() && found->second.object != nullptr;
         const auto recordIfNew = [&](IRegisteredObject* object) {
