@@ -48,7 +48,7 @@ namespace Quend::Framework::Command {
 // at the limit; one background thread is fully busy until the call returns.
 //
 // Errors: std::system_error when no thread can be had for the task, std::bad_alloc; then nothing
-// was started. Nothing of Windows' own failures is an exception.
+// was started. No failure of Windows' own calls is an exception.
 std::tuple<bool, std::string> runCommand(std::string command);
 
 // What runCommand does in its background task, on the calling thread and without a time limit.
