@@ -1,8 +1,8 @@
 // What other libraries need for the same: the same names and values, the same message with the
 // same arguments, one sink that only counts and does so under a lock, no prefix formatted.
 //
-// What stays different: glog, Boost.Log, POCO and spdlog stamp each message with the time, and
-// all but Boost.Log with the thread, before the sink sees it; none of them can be told not to.
+// What stays different: glog, POCO and spdlog stamp each message with the time and the thread
+// before the sink sees it, and cannot be told not to. Boost.Log stamps nothing unless asked to.
 #include <Poco/AutoPtr.h>
 #include <Poco/Channel.h>
 #include <Poco/LogStream.h>
