@@ -13,7 +13,6 @@
 #include <iterator>
 #include <map>
 #include <memory>
-#include <new>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -325,7 +324,6 @@ TEST_F(CommandRunner, NoRunLeavesAHandleOpen) {
 
 TEST_F(CommandRunner, FailedAllocationLeavesNoHandleOpen) {
     executeCommand("echo x", flag());
-    EXPECT_THROW(throw std::bad_alloc(), std::bad_alloc);  // what opens handles once, has
     tests::failEachAllocation([](long, auto fail) {
         const std::size_t before = tests::handleCount();
         const auto stopFlag = flag();
