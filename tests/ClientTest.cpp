@@ -107,6 +107,10 @@ TEST(Client, VirtualSlotsAreWhereOldModulesExpectThem) {
     callSlot<void, const std::wstring*>(store, kRead + 3, &name);
     EXPECT_FALSE(propertyManager()->hasProperty(name));
 
+    IRegisteredObject first;  // exported whole: also what no client needs
+    IRegisteredObject second(first);
+    EXPECT_EQ(&(second = first), &second);
+
     static bool isDestroyed = false;
     struct Object : IRegisteredObject {
         ~Object() override { isDestroyed = true; }
