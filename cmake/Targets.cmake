@@ -8,24 +8,7 @@ set(headers
   include/Quend/Framework/MemoryManager.h
   include/Quend/Framework/PropertyManager.h)
 list(TRANSFORM headers PREPEND ${PROJECT_SOURCE_DIR}/)
-set(sources
-  command/CommandRunner.cpp
-  core/EntryPoint.cpp
-  core/MemoryManager.cpp
-  core/ObjectRegistry.cpp
-  core/RandomSource.cpp
-  core/StaticInitialisation.cpp
-  logging/DebugString.cpp
-  logging/LogChannel.cpp
-  logging/LogManager.cpp
-  logging/LogMessage.cpp
-  logging/MessageCache.cpp
-  logging/PluginLibrary.cpp
-  properties/PropertyManagerImpl.cpp
-  properties/TextConversion.cpp
-  Quend/RegistryAccess/Registry.cpp
-  Quend/RegistryAccess/RegistryErrors.cpp)
-list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
+include(cmake/Sources.cmake)
 
 # How everything of ours is compiled. PRIVATE: no flag of this reaches a consumer.
 add_library(QuendBuildSettings INTERFACE)
@@ -41,7 +24,7 @@ else()
 endif()
 
 function(quend_add_library target type)
-  add_library(${target} ${type} ${sources})
+  add_library(${target} ${type} ${windows_sources} ${portable_sources})
   target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/include
     FILES ${headers})
   target_compile_features(${target} PUBLIC cxx_std_14 PRIVATE cxx_std_20)

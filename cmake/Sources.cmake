@@ -1,0 +1,21 @@
+# What compiles on Windows alone, and what the native builds of the checks compile as well.
+set(windows_sources
+  command/CommandRunner.cpp
+  core/EntryPoint.cpp
+  Quend/RegistryAccess/Registry.cpp
+  Quend/RegistryAccess/RegistryErrors.cpp)
+set(portable_sources
+  core/MemoryManager.cpp
+  core/ObjectRegistry.cpp
+  core/RandomSource.cpp
+  core/StaticInitialisation.cpp
+  logging/DebugString.cpp
+  logging/LogChannel.cpp
+  logging/LogManager.cpp
+  logging/LogMessage.cpp
+  logging/MessageCache.cpp
+  logging/PluginLibrary.cpp
+  properties/PropertyManagerImpl.cpp
+  properties/TextConversion.cpp)
+list(TRANSFORM windows_sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
+list(TRANSFORM portable_sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
