@@ -18,7 +18,7 @@
 
 #define __int64 long  // `unsigned __int64` is size_t on both
 
-namespace host {
+namespace native {
 
 // Converts with wcstombs or mbstowcs. What is behind the terminator is garbage on purpose: the
 // debug runtime of Windows fills the buffer too.
@@ -40,16 +40,16 @@ int convert(std::size_t (*function)(To*, const From*, std::size_t), std::size_t*
     return 0;
 }
 
-}  // namespace host
+}  // namespace native
 
 inline int wcstombs_s(std::size_t* converted, char* buffer, std::size_t size, const wchar_t* text,
                       std::size_t count) {
-    return host::convert(&std::wcstombs, converted, buffer, size, text, count);
+    return native::convert(&std::wcstombs, converted, buffer, size, text, count);
 }
 
 inline int mbstowcs_s(std::size_t* converted, wchar_t* buffer, std::size_t size, const char* text,
                       std::size_t count) {
-    return host::convert(&std::mbstowcs, converted, buffer, size, text, count);
+    return native::convert(&std::mbstowcs, converted, buffer, size, text, count);
 }
 
 // With a size of 0 it only stores the size needed: 0 for a variable that does not exist.

@@ -1,0 +1,10 @@
+# The portable sources for the machine at hand: what the sanitizers, libFuzzer, gcov and callgrind
+# look at, which the product's toolchain lacks. No product.
+include(${CMAKE_CURRENT_LIST_DIR}/Sources.cmake)
+add_library(QuendFrameworkPortable STATIC ${portable_sources})
+target_compile_features(QuendFrameworkPortable PUBLIC cxx_std_20)
+target_compile_definitions(QuendFrameworkPortable PUBLIC QUEND_FRAMEWORK_STATIC)
+target_compile_options(QuendFrameworkPortable PUBLIC -include windows.h -Wall -Wextra)
+# The names of Windows that the sources use come from tests/native/include.
+target_include_directories(QuendFrameworkPortable PUBLIC ${PROJECT_SOURCE_DIR}/tests/native/include
+  ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
