@@ -9,7 +9,7 @@
 
 #include <Quend/Framework/MemoryManager.h>
 
-#include "core/CheckedMutex.h"
+#include "locking/CheckedMutex.h"
 
 namespace Quend::Framework::Management::MemoryManager {
 

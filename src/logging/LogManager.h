@@ -18,7 +18,7 @@
 #include "logging/LogChannel.h"
 #include "logging/LogSink.h"
 #include "logging/PluginLibrary.h"
-#include "logging/RecursiveMutex.h"
+#include "locking/RecursiveMutex.h"
 
 namespace Quend::Framework::Logging {
 
