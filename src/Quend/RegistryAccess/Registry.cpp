@@ -12,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <source_location>
 #include <string_view>
 #include <utility>
 
@@ -96,12 +97,32 @@ constexpr Failures kGetSubKeys = {
     {openError, "Unable to open enumerated sub key."},
 };
 
-void raiseFailure(LSTATUS code, const Failures& failures, std::int32_t line) {
+// Errors name the line of the check: where one of these functions is called.
+using Line = std::uint_least32_t;
+
+void requireHandle(const void* handle, Line line = std::source_location::current().line()) {
+    if (handle == nullptr) {
+        throw Registry::NotInitialized("handle_ != 0: Invalid handle state.",
+                                       static_cast<std::int32_t>(line));
+    }
+}
+
+void requireSuccess(LSTATUS code, const Failures& failures,
+                    Line line = std::source_location::current().line()) {
+    if (code == ERROR_SUCCESS) {
+        return;
+    }
     const auto& failure = code == ERROR_ACCESS_DENIED   ? failures.onAccessDenied
                           : code == ERROR_NO_MORE_ITEMS ? failures.onNoMoreItems
                                                         : failures.onOthers;
-    if (code != ERROR_SUCCESS) {
-        failure.raise(failure.message, line);
+    failure.raise(failure.message, static_cast<std::int32_t>(line));
+}
+
+void requireDword(DWORD type, Line line = std::source_location::current().line()) {
+    if (type != REG_DWORD) {
+        throw Registry::OpenError(
+            "type == REG_DWORD: Only REG_DWORD value types are supported in getIntValue function.",
+            static_cast<std::int32_t>(line));
     }
 }
 
@@ -152,13 +173,14 @@ std::wstring paddedText(const std::vector<char>& text) {
 
 }  // namespace
 
-Registry::CreationError::CreationError() : GenericRegistryError(kCreationError, __LINE__) {}
+Registry::CreationError::CreationError()
+    : GenericRegistryError(kCreationError, std::source_location::current().line()) {}
 
 Registry::Registry(HKEY parent, const std::string& path)
     : name(path.substr(path.rfind('\\') + 1)) {  // no backslash: npos + 1 is 0
     auto opened = std::make_unique<SharedHandle>();
     const LSTATUS code = RegOpenKeyW(parent, stringToWstring(path).c_str(), &opened->key);
-    raiseFailure(code, kConstructor, __LINE__);
+    requireSuccess(code, kConstructor);
     handle_ = opened.release();
 }
 
@@ -183,83 +205,79 @@ Registry::~Registry() {
 }
 
 bool Registry::hasValue(const std::string& valueName) const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     return RegQueryValueExW(handle_->key, stringToWstring(valueName).c_str(), nullptr, nullptr,
                             nullptr, nullptr) == ERROR_SUCCESS;
 }
 
 std::int32_t Registry::getIntValue(const std::string& valueName) const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     DWORD type = 0;
     std::int32_t number = 0;  // a value of fewer bytes leaves the others 0
     DWORD size = sizeof(number);
     const LSTATUS code = RegQueryValueExW(handle_->key, stringToWstring(valueName).c_str(), nullptr,
                                           &type, reinterpret_cast<BYTE*>(&number), &size);
-    raiseFailure(code, kReadValue, __LINE__);
-    if (type != REG_DWORD) {
-        throw OpenError(
-            "type == REG_DWORD: Only REG_DWORD value types are supported in getIntValue function.",
-            __LINE__);
-    }
+    requireSuccess(code, kReadValue);
+    requireDword(type);
     return number;
 }
 
 std::vector<char> Registry::getStringValue(const std::string& valueName) const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     std::wstring text;
     const LSTATUS code = findText(handle_->key, stringToWstring(valueName), text);
-    raiseFailure(code, kReadValue, __LINE__);
+    requireSuccess(code, kReadValue);
     const std::string narrow = wstringToString(text);
     return {narrow.begin(), narrow.end()};
 }
 
 void Registry::setStringValue(const std::string& valueName, const std::vector<char>& text) const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     const LSTATUS code = RegSetValueExW(handle_->key, stringToWstring(valueName).c_str(), 0, REG_SZ,
                                         reinterpret_cast<const BYTE*>(paddedText(text).c_str()),
                                         static_cast<DWORD>(text.size() * sizeof(wchar_t)));
-    raiseFailure(code, kWriteValue, __LINE__);
+    requireSuccess(code, kWriteValue);
 }
 
 void Registry::setIntValue(const std::string& valueName, std::uint32_t number) const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     const LSTATUS code =
         RegSetValueExW(handle_->key, stringToWstring(valueName).c_str(), 0, REG_DWORD,
                        reinterpret_cast<const BYTE*>(&number), sizeof(number));
-    raiseFailure(code, kWriteValue, __LINE__);
+    requireSuccess(code, kWriteValue);
 }
 
 void Registry::deleteValue(const std::string& valueName) const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     const LSTATUS code = RegDeleteValueW(handle_->key, stringToWstring(valueName).c_str());
-    raiseFailure(code, kDeleteValue, __LINE__);
+    requireSuccess(code, kDeleteValue);
 }
 
 void Registry::deleteSubKey(const std::string& path) const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     const auto code = static_cast<LSTATUS>(  // not every platform header declares it as one
         SHDeleteKeyW(handle_->key, stringToWstring(path).c_str()));
-    raiseFailure(code, kDeleteSubKey, __LINE__);
+    requireSuccess(code, kDeleteSubKey);
 }
 
 Registry Registry::openSubKey(const std::string& path) const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     Registry subKey;
     const LSTATUS code = openBelow(RegOpenKeyW, path, subKey);
-    raiseFailure(code, kOpenSubKey, __LINE__);
+    requireSuccess(code, kOpenSubKey);
     return subKey;
 }
 
 Registry Registry::createSubKey(const std::string& path) const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     Registry subKey;
     const LSTATUS code = openBelow(RegCreateKeyW, path, subKey);
-    raiseFailure(code, kCreateSubKey, __LINE__);
+    requireSuccess(code, kCreateSubKey);
     return subKey;
 }
 
 std::vector<Registry> Registry::getSubKeys() const {
-    requireHandle(__LINE__);
+    requireHandle(handle_);
     std::vector<Registry> subKeys;
     for (DWORD index = 0;; ++index) {
         std::wstring subKeyName;
@@ -267,15 +285,9 @@ std::vector<Registry> Registry::getSubKeys() const {
         if (code == ERROR_NO_MORE_ITEMS) {
             return subKeys;
         }
-        raiseFailure(code, kGetSubKeys, __LINE__);
+        requireSuccess(code, kGetSubKeys);
         const Registry subKey = openSubKey(wstringToString(subKeyName));
         subKeys.push_back(subKey);
-    }
-}
-
-void Registry::requireHandle(std::int32_t line) const {
-    if (handle_ == nullptr) {
-        throw NotInitialized("handle_ != 0: Invalid handle state.", line);
     }
 }
 

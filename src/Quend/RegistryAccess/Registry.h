@@ -100,7 +100,6 @@ class Registry {
     };
     using OpeningFunction = LSTATUS(WINAPI*)(HKEY, const wchar_t*, HKEY*);
 
-    void requireHandle(std::int32_t line) const;
     LSTATUS openBelow(OpeningFunction open, const std::string& path, Registry& opened) const;
     void swap(Registry& other) noexcept;
 
