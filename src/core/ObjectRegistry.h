@@ -1,5 +1,6 @@
+/// \file
 // The table behind registerObject, findObject and unregisterObject, whose contract stands in
-// <Quend/Framework/MemoryManager.h>.
+/// <Quend/Framework/MemoryManager.h>.
 #pragma once
 
 #include <cstdint>
@@ -27,16 +28,16 @@ class ObjectRegistry {
     void unregisterObject(const char* name);
 
  private:
-    // std::less<> finds a `const char*` without making a std::string of it first.
+    /// std::less<> finds a `const char*` without making a std::string of it first.
     using ObjectTable = std::map<std::string, ObjectEntry*, std::less<>>;
 
-    // The table owns its entries, but its destructor leaves them and their objects alone.
+    /// The table owns its entries, but its destructor leaves them and their objects alone.
     ObjectTable objectTable;        // guarded by objectTableMutex
     CheckedMutex objectTableMutex;  // declared last: destroyed first
 };
 
-// The one that the exported functions use. Its place in the load order is fixed in
-// StaticInitialisation.cpp.
+/// The one that the exported functions use. Its place in the load order is fixed in
+/// StaticInitialisation.cpp.
 extern ObjectRegistry objectRegistry;
 
 }  // namespace Quend::Framework::Management::MemoryManager

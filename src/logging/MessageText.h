@@ -1,12 +1,13 @@
+/// \file
 // The text of a message while it is being built: what a std::ostringstream would hold after the
-// same insertions, without the cost of making one for the usual message of text and integers.
-//
-// Those are put into a buffer of this object. Anything else (a manipulator, a number with a
-// point, a type with an inserter of its own) and what does not fit makes the stream, which takes
-// over what is there already and everything that follows.
-//
-// Threading: an object belongs to one thread. Nothing here outlives it: a stream kept for each
-// thread would have to be destroyed by threads that outlive the library.
+/// same insertions, without the cost of making one for the usual message of text and integers.
+///
+/// Those are put into a buffer of this object. Anything else (a manipulator, a number with a
+/// point, a type with an inserter of its own) and what does not fit makes the stream, which takes
+/// over what is there already and everything that follows.
+///
+/// Threading: an object belongs to one thread. Nothing here outlives it: a stream kept for each
+/// thread would have to be destroyed by threads that outlive the library.
 #pragma once
 
 #include <array>
@@ -31,7 +32,7 @@ class MessageText {
         asStream() << value;
     }
 
-    // Zero-terminated; valid until the object is used again. Text behind a NUL is not seen.
+    /// Zero-terminated; valid until the object is used again. Text behind a NUL is not seen.
     const char* get() {
         if (stream) {
             whole = std::move(*stream).str();

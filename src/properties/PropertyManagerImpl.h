@@ -1,3 +1,4 @@
+/// \file
 // The property store itself. Its contract stands in <Quend/Framework/PropertyManager.h>.
 #pragma once
 
