@@ -7,7 +7,8 @@
 
 namespace tests {
 
-// The handles this process holds. GetProcessHandleCount always answers 0 under Wine.
+// The handles this process holds. Not GetProcessHandleCount, which always answers 0 under Wine, nor
+// the system-wide list of handles, which crashes Wine's server now and then.
 std::size_t handleCount();
 
 // The TLS index that the next TlsAlloc gives; grows with each one leaked.
