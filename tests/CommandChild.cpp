@@ -1,11 +1,13 @@
 // The child of the command runner's tests. Does what its arguments say, one after the other:
 //   say TEXT      writes it to standard output
-//   bytes N       writes N bytes there: byte i is the low half of i + i / 256
+//   bytes N       writes childBytes(N) there
 //   close         closes standard output
-//   await NAME    waits for an event of that name, 100 seconds at most
+//   await NAME    waits for an event of that name; ends after five minutes, when the test is dead
 //   signal NAME   sets one
 //   leave ...     starts another of this program to do the rest, and ends; without the console,
 //                 as under Wine a console's host inherits the output and holds it open
+#include "CommandChild.h"
+
 #include <windows.h>
 
 #include <string>
@@ -16,14 +18,6 @@ void write(const std::string& text) {
     DWORD written = 0;
     WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), text.data(), static_cast<DWORD>(text.size()),
               &written, nullptr);
-}
-
-std::string pattern(std::size_t size) {
-    std::string bytes(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) {
-        bytes[i] = static_cast<char>((i + i / 256) & 0xff);
-    }
-    return bytes;
 }
 
 void leave(std::string commandLine) {
@@ -54,9 +48,12 @@ int main(int argc, char** argv) {
         } else if (step == "say") {
             write(argv[i]);
         } else if (step == "bytes") {
-            write(pattern(std::stoul(argv[i])));
+            write(childBytes(std::stoul(argv[i])));
         } else if (step == "await") {
-            WaitForSingleObject(OpenEventA(SYNCHRONIZE, FALSE, argv[i]), 100'000);
+            constexpr DWORD kFiveMinutes = 300'000;
+            if (WaitForSingleObject(OpenEventA(SYNCHRONIZE, FALSE, argv[i]), kFiveMinutes) != 0) {
+                return 1;
+            }
         } else if (step == "signal") {
             SetEvent(OpenEventA(EVENT_MODIFY_STATE, FALSE, argv[i]));
         }

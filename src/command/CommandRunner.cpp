@@ -1,14 +1,14 @@
-// Two pipes lead out of the child: one for its standard output, one for its standard error. This
-// process keeps the read ends, which no child inherits; the child has the only write ends as soon
-// as it runs, so the pipe breaks when the last process that holds one of them ends.
+// Two pipes lead out of the child, for its standard output and its standard error. This process
+// keeps the read ends, which no child inherits. Once the child runs it has the only write ends, so
+// a pipe breaks when the last process that holds its write end closes it or ends.
 #include "command/CommandRunner.h"
 
 #include <windows.h>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <future>
-#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -53,20 +53,43 @@ bool makeNonBlocking(const Handle& readEnd) {
     return SetNamedPipeHandleState(readEnd.get(), &mode, nullptr, nullptr) != FALSE;
 }
 
-// Held from the first pipe to the closing of the write ends. A process inherits every handle that
-// can be inherited at that moment, so of two that start at once each would hold the other's write
-// ends, and a quick command would last as long as the slow one beside it.
-//
-// Made on first use, which the language makes safe between threads: so it has no place in the
-// order of the globals, and is there even for a command that another file's constructor runs.
-std::mutex& startMutex() {
-    static std::mutex mutex;
-    return mutex;
-}
+// One command starts at a time, from its first pipe to the closing of the write ends: a process
+// inherits every inheritable handle that is open when it starts, so each of two that started at
+// once would hold the other's write ends, and a quick command would last as long as a slow one.
+class StartTurn {
+ public:
+    // Waits for the turn. Gives up once `stopFlag` is true, which it reads only if it has to wait.
+    explicit StartTurn(const std::atomic<bool>& stopFlag) {
+        while (isTaken.exchange(true)) {
+            Sleep(1);
+            if (stopFlag) {
+                return;
+            }
+        }
+        isMine = true;
+    }
+    ~StartTurn() {
+        if (isMine) {
+            isTaken = false;
+        }
+    }
+    StartTurn(const StartTurn&) = delete;
+    StartTurn& operator=(const StartTurn&) = delete;
 
-// Empty if any step fails. On every way out, the write ends are closed before the lock is free.
-std::optional<Child> start(const std::string& command) {
-    const std::lock_guard lock(startMutex());
+    explicit operator bool() const { return isMine; }
+
+ private:
+    // Not a std::mutex: its try_lock may fail although the mutex is free, as when memory runs out.
+    static constinit inline std::atomic<bool> isTaken{false};
+    bool isMine = false;
+};
+
+// Empty if any step fails. On every way out, the write ends are closed before the turn is over.
+std::optional<Child> start(const std::string& command, const std::atomic<bool>& stopFlag) {
+    const StartTurn turn(stopFlag);
+    if (!turn) {
+        return std::nullopt;
+    }
     Child child;
     if (!createPipe(child.errors) || !createPipe(child.output) ||
         !makeNonBlocking(child.errors.readEnd) || !makeNonBlocking(child.output.readEnd)) {
@@ -81,7 +104,7 @@ std::optional<Child> start(const std::string& command) {
 
     std::array<char, kDirectorySize> directory{};
     if (GetSystemDirectoryA(directory.data(), static_cast<UINT>(directory.size())) == 0) {
-        return std::nullopt;  // rather than whatever cmd.exe lies in the root of the drive
+        return std::nullopt;  // or the root of the drive would be searched for cmd.exe
     }
     const std::string application = std::string(directory.data()) + "\\cmd.exe";
     std::string commandLine = "/c " + command;
@@ -100,7 +123,7 @@ std::optional<Child> start(const std::string& command) {
     return child;
 }
 
-// Polls without sleeping: an empty pipe answers at once, with ERROR_NO_DATA.
+// Polls without sleeping: reading an empty pipe fails at once with ERROR_NO_DATA.
 std::string readUntilBroken(const Handle& readEnd, const std::atomic<bool>& stopFlag) {
     std::string output;
     std::array<char, kReadSize> buffer{};
@@ -133,12 +156,12 @@ Result runCommand(std::string command) {
         return result.get();
     }
     stopFlag->exchange(true);
-    return {false, {}};  // the future's destructor waits for the task's next look at the flag
+    return {false, {}};  // the future's destructor waits until the task has read the flag
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): a task owns what it works with
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the task owns its arguments
 Result executeCommand(std::string command, std::shared_ptr<std::atomic<bool>> stopFlag) {
-    const std::optional<Child> child = start(command);
+    const std::optional<Child> child = start(command, *stopFlag);
     if (!child) {
         return {false, {}};
     }

@@ -1,7 +1,7 @@
 /// \file
-// The one owner of a kernel handle, which it closes. Belongs to one thread at a time.
+/// Owns one kernel handle and closes it. Null and INVALID_HANDLE_VALUE both mean empty.
 ///
-/// Windows says "no handle" in two ways, null and INVALID_HANDLE_VALUE: both are empty here.
+/// Threading: one thread at a time.
 #pragma once
 
 #include <windows.h>
@@ -13,11 +13,12 @@ namespace Quend::Framework::Command {
 class Handle {
  public:
     Handle() = default;
-    /// Takes `handle` over: nobody else closes it from here on.
+    /// Takes over `handle`.
+    /// Ownership: this object closes it.
     explicit Handle(HANDLE handle) noexcept
         : handle_(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
     Handle(Handle&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-    /// What this one held is closed, unless it is moved onto itself.
+    /// Closes the handle held so far; a move onto itself changes nothing.
     Handle& operator=(Handle&& other) noexcept {
         Handle taken(std::move(other));
         std::swap(handle_, taken.handle_);
@@ -31,7 +32,8 @@ class Handle {
         }
     }
 
-    /// Null when empty. Remains this object's.
+    /// Returns the handle, null when empty.
+    /// Ownership: stays with this object.
     HANDLE get() const noexcept { return handle_; }
 
  private:

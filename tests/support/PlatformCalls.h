@@ -1,0 +1,56 @@
+// Stands between the program and Windows: a hook gets every call of one function that the program
+// imports, and answers in its place or asks Windows. So tests note calls, fail one, or play a part.
+#pragma once
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+#include "support/ImportPatch.h"
+
+namespace tests {
+
+// The name of a function as a template argument: functions of one type are told apart by it.
+template <std::size_t Size>
+struct FunctionName {
+    // NOLINTNEXTLINE(google-explicit-constructor): so that "ReadFile" is one
+    constexpr FunctionName(const char (&name)[Size]) { std::copy_n(name, Size, text); }
+    char text[Size]{};
+};
+
+template <FunctionName name, typename Function, typename Instead>
+class Hook;
+template <FunctionName name, typename Result, typename... Arguments, typename Instead>
+class Hook<name, Result WINAPI(Arguments...), Instead> {
+ public:
+    explicit Hook(Instead function) : instead(std::move(function)) {
+        current = this;
+        patch = std::make_unique<ImportPatch>(name.text, reinterpret_cast<void*>(&call));
+    }
+    ~Hook() = default;
+    Hook(const Hook&) = delete;
+    Hook& operator=(const Hook&) = delete;
+
+ private:
+    static Result WINAPI call(Arguments... arguments) {
+        auto* const real = current->patch->template original<Result WINAPI(Arguments...)>();
+        return current->instead(real, arguments...);
+    }
+
+    static inline Hook* current = nullptr;
+    Instead instead;
+    std::unique_ptr<ImportPatch> patch;
+};
+
+// While the result lives, `instead(real, arguments...)` is called for the function `name`, on
+// whatever thread; `real` is the function itself. As in
+//   const auto hook = tests::hook<"Sleep", decltype(Sleep)>([](auto real, DWORD ms) { real(ms); });
+template <FunctionName name, typename Function, typename Instead>
+Hook<name, Function, Instead> hook(Instead instead) {
+    return Hook<name, Function, Instead>(std::move(instead));
+}
+
+}  // namespace tests
