@@ -33,34 +33,14 @@ std::vector<unsigned short> draw(std::size_t count) {
     return numbers;
 }
 
-TEST(RandomSource, LoadingSeedsFromTheThousandMilliseconds) {
-    ASSERT_EQ(randomCallCounter, 0U) << "another test ran in this process";
-    const auto first = draw(8);
-    unsigned seed = 0;
-    while (seed < 1000 && predict(seed, first.size(), 0) != first) {
-        ++seed;
-    }
-    ASSERT_LT(seed, 1000U);
-    randomCallCounter = 0;
-    const auto expected = predict(seed, 5000, 0);
-    std::srand(seed);
-    EXPECT_EQ(draw(5000), expected);
-}
-
 TEST(RandomSource, SumWrapsAt65536AndTheCounterAt32Bits) {
-    for (const std::uint32_t counter : {40'000U, 65'530U, 0xFFFFFFFCU}) {
+    for (const std::uint32_t counter : {0U, 40'000U, 65'530U, 0xFFFFFFFCU}) {
         const auto expected = predict(7, 10, counter);
         std::srand(7);
         randomCallCounter = counter;
         EXPECT_EQ(draw(10), expected);
         EXPECT_EQ(randomCallCounter, counter + 10);
     }
-}
-
-TEST(RandomSource, ThreadsShareTheCounter) {
-    randomCallCounter = 0;
-    tests::inThreads(8, [](unsigned) { draw(20'000); });
-    EXPECT_EQ(randomCallCounter, 160'000U);
 }
 
 #ifdef _WIN32

@@ -28,9 +28,11 @@ ChannelHandle LogManager::getChannel(const char* name) {
         return found->second.get();
     }
     auto slot = std::make_unique<ChannelSlot>(ChannelSlot{std::make_unique<LogChannel>(name)});
-    // Entered only when it is complete: nobody finds a channel that then fails to come about.
+    // Inserted only once it is complete, so that nobody finds a channel that then fails.
     attachSinks(*slot->channel);
-    return channels.try_emplace(name, std::move(slot)).first->second.get();
+    // From here on `name` is not read: a provider may have changed or freed the caller's buffer.
+    const std::string& key = slot->channel->name;
+    return channels.try_emplace(key, std::move(slot)).first->second.get();
 }
 
 void LogManager::log(ChannelHandle handle, std::uint32_t level, const char* text) {

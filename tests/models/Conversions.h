@@ -1,0 +1,83 @@
+// The three text conversions against their sizing rules; the C library converts the characters.
+#pragma once
+
+#include <climits>
+#include <clocale>
+#include <cwchar>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "models/Input.h"
+#include "properties/TextConversion.h"
+
+namespace tests {
+
+// Both convert the text before the first NUL, a character at a time; nothing if one cannot be.
+inline std::optional<std::string> toNarrow(const std::wstring& text) {
+    std::string result;
+    std::mbstate_t state{};
+    for (const wchar_t unit : text.substr(0, text.find(L'\0'))) {
+        char bytes[MB_LEN_MAX];
+        const std::size_t count = std::wcrtomb(bytes, unit, &state);
+        if (count > MB_LEN_MAX) {
+            return std::nullopt;
+        }
+        result.append(bytes, count);
+    }
+    return result;
+}
+
+inline std::optional<std::wstring> toWide(const std::string& text) {
+    std::wstring result;
+    std::mbstate_t state{};
+    for (std::size_t i = 0; i < text.find('\0') && i < text.size();) {
+        wchar_t unit = 0;
+        const std::size_t count = std::mbrtowc(&unit, &text[i], text.size() - i, &state);
+        if (count > MB_LEN_MAX) {
+            return std::nullopt;
+        }
+        result += unit;
+        i += count;
+    }
+    return result;
+}
+
+inline void checkConversions(Input input) {
+    using namespace Quend::Framework::Text;
+#ifdef _WIN32
+    const std::initializer_list<const char*> locales = {"C", ".1252"};
+#else
+    const std::initializer_list<const char*> locales = {"C", "C.UTF-8"};
+#endif
+    std::setlocale(LC_CTYPE, input.oneOf(locales));
+    const unsigned mask = input.oneOf({0x7FU, 0xFFU, 0x7FFU, 0xFFFFU, 0x1FFFFFU});
+    const bool isRaw = input.byte() % 2 == 0;
+    std::string narrow;
+    std::wstring wide;
+    while (!input.isAtEnd()) {
+        const unsigned bytes[] = {input.byte(), input.byte(), input.byte()};
+        narrow.append(std::begin(bytes), std::end(bytes));
+        const unsigned unit = (bytes[0] << 16 | bytes[1] << 8 | bytes[2]) & mask;
+        // On tag characters, a conversion of glibc's to ASCII fails an assertion.
+        wide += unit >> 7 == 0xE0000 >> 7 ? L'?' : static_cast<wchar_t>(unit);
+    }
+
+    const auto converted = toNarrow(wide);
+    MODEL_CHECK(wideToNarrow(wide.c_str()) == (converted ? *converted + '\0' : std::string()));
+    std::string sized = converted.value_or("");
+    sized.resize(wide.size());
+    MODEL_CHECK(wstringToString(wide) == sized);
+
+    if (!isRaw) {
+        narrow = sized;  // valid unless it is cut off inside a character
+    }
+    const auto expected = toWide(narrow);
+    try {
+        MODEL_CHECK(stringToWstring(narrow) == expected);
+    } catch (const std::length_error& error) {
+        MODEL_CHECK(!expected && std::string(error.what()) == "string too long");
+    }
+}
+
+}  // namespace tests

@@ -1,0 +1,147 @@
+// Logging against a model of its channels and their caches.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "logging/LogManager.h"
+#include "logging/ProviderRegistry.h"
+#include "models/Input.h"
+
+namespace tests {
+
+using namespace Quend::Framework::Logging;
+using Hook = std::function<void(const std::string&)>;
+
+// What reached the sinks and providers, in order. Has room, so that recording allocates nothing.
+inline std::string events;
+inline long liveSinks = 0;
+
+inline std::string takeEvents() {
+    std::string taken = events;
+    events.clear();
+    return taken;
+}
+
+struct TestSink final : LogSink {
+    TestSink(std::string sinkTag, Hook write) : tag(std::move(sinkTag)), onWrite(std::move(write)) {
+        ++liveSinks;
+    }
+    virtual ~TestSink() { --liveSinks; }
+    void release() noexcept override {
+        events.append("-").append(tag).append(" ");
+        delete this;
+    }
+    void write(std::uint32_t level, const char* text) override {
+        events.append(tag).append(":").append(std::to_string(level)).append(text).append(" ");
+        onWrite ? onWrite(text) : void();
+    }
+    std::string tag;
+    Hook onWrite;
+};
+
+// Its sinks are tagged with its own tag and the channel's name. None for a name that ends in its
+// own tag, nor for "none".
+struct TestProvider final : LogSinkProvider {
+    explicit TestProvider(std::string providerTag, Hook write = {}, Hook create = {})
+        : tag(std::move(providerTag)), onWrite(std::move(write)), onCreate(std::move(create)) {}
+    ~TestProvider() override { events.append("~").append(tag).append(" "); }
+    LogSink* createSink(const char* channel) override {
+        onCreate ? onCreate(channel) : void();
+        return hasSink(tag, channel) ? new TestSink(tag + channel, onWrite) : nullptr;
+    }
+    static bool hasSink(const std::string& tag, const std::string& channel) {
+        return channel != "none" && !channel.ends_with(tag);
+    }
+    std::string tag;
+    Hook onWrite;
+    Hook onCreate;
+};
+
+inline void checkLogging(Input input) {
+    struct Channel {
+        ChannelHandle handle = nullptr;
+        std::vector<std::string> sinks;  // by tag
+        std::vector<std::string> cache;  // each the level and the text
+        bool isEnabled = true;
+    };
+    std::map<std::string, Channel> model;
+    std::vector<std::string> providers;
+    LogManager manager;
+    while (!input.isAtEnd()) {
+        const char operation = input.oneOf({'p', 'a', 'e', 'x', 'l', 'l', 'l', 'l'});
+        const std::string name = input.oneOf({"", "a", "A", "aa", "a ", "aA", "\xff", "none"});
+        const bool isNew = !model.contains(name);
+        Channel& channel = model[name];
+        std::string expected;
+        const auto write = [&](const std::string& message) {
+            for (const std::string& sink : channel.sinks) {
+                expected.append(sink).append(":").append(message).append(" ");
+            }
+        };
+        const auto attach = [&] {
+            channel.sinks.clear();
+            for (const std::string& provider : providers) {
+                if (TestProvider::hasSink(provider, name)) {
+                    channel.sinks.push_back(provider + name);
+                }
+            }
+            for (const std::string& message : std::exchange(channel.cache, {})) {
+                write(message);
+            }
+        };
+        if (isNew) {
+            channel.handle = manager.getChannel(name.c_str());
+            attach();
+        }
+        LogChannel& real = *channel.handle->channel;
+        if (operation == 'p' && providers.size() < 5) {
+            providers.emplace_back(input.oneOf({"a", "A", "\xff"}));
+            manager.registerSinkProvider(std::make_unique<TestProvider>(providers.back()));
+        } else if (operation == 'a') {
+            for (LogSink* const sink : real.sinks) {
+                sink->release();  // as attaching forgets them
+            }
+            events.clear();
+            attach();
+            attachSinks(real);
+        } else if (operation == 'e') {
+            real.enabled = channel.isEnabled = !channel.isEnabled;
+        } else if (operation == 'x' && input.byte() % 4 == 0) {
+            providerRegistry.clear();
+            providers.clear();
+        } else {
+            const std::uint32_t level = input.oneOf({0U, 10U, 4'000'000'000U});
+            const char* const text = input.oneOf({"", "text", "beyond a short string"});
+            const std::string message = std::to_string(level) + text;
+            for (int i = input.oneOf({1, 50, 101}); i > 0; --i) {
+                manager.log(channel.handle, level, text);
+                const std::size_t cached = channel.cache.size();
+                if (channel.sinks.empty() || providers.empty() || level == 0) {
+                    if (cached < 102) {
+                        channel.cache.push_back(cached < 101 ? message : "40LOG Cache overflow...");
+                    }
+                } else if (channel.isEnabled) {
+                    write(message);
+                }
+            }
+        }
+        MODEL_CHECK(takeEvents() == expected);
+        MODEL_CHECK(real.name == name && manager.getChannel(name.c_str()) == channel.handle);
+        MODEL_CHECK(real.overflowed == (channel.cache.size() == 102 ? 1 : 0));
+        MODEL_CHECK(real.cache.size() == channel.cache.size());
+        for (std::size_t i = 0; i < real.cache.size(); ++i) {
+            MODEL_CHECK(std::to_string(real.cache[i].level) + real.cache[i].text ==
+                        channel.cache[i]);
+        }
+    }
+    manager.shutdownLogging();
+    takeEvents();
+    MODEL_CHECK(liveSinks == 0 && providerRegistry.empty());
+}
+
+}  // namespace tests
