@@ -17,8 +17,7 @@ if(MINGW)
   configure_file(cmake/quend-framework.pc.in quend-framework.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/quend-framework.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-  install(FILES src/Exports.def DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    RENAME Quend_Framework_${PROJECT_VERSION}.def)
+  install(FILES ${exports} ${import_library} DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(FILES ${runtime_libraries} DESTINATION ${CMAKE_INSTALL_BINDIR})
   # The licence notes of GCC's runtime, which is bundled: ours, and the toolchain's own texts.
   install(FILES docs/runtime-licences.md TYPE DOC)

@@ -14,13 +14,20 @@ include(cmake/Sources.cmake)
 add_library(QuendBuildSettings INTERFACE)
 target_compile_definitions(QuendBuildSettings INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
 if(MSVC)
+  if(DEFINED CMAKE_MSVC_RUNTIME_LIBRARY AND NOT CMAKE_MSVC_RUNTIME_LIBRARY MATCHES "DLL$"
+      OR CMAKE_CXX_FLAGS MATCHES "[/-]MT")
+    message(FATAL_ERROR "The library needs the C runtime as a DLL (/MD or /MDd): it shares its heap "
+      "with its clients, and turns thread notifications off, which the static runtime (/MT) relies on.")
+  endif()
   target_compile_options(QuendBuildSettings INTERFACE /W4 /permissive- /utf-8)
 else()
   target_compile_options(QuendBuildSettings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wcast-function-type
-    -Wnull-dereference -Wduplicated-cond -Wlogical-op -Wuseless-cast -Wextra-semi
-    -Wsuggest-override -Wformat=2>)
+    -Wnull-dereference -Wextra-semi -Wsuggest-override -Wformat=2>
+    $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wduplicated-cond -Wlogical-op -Wuseless-cast>
+    # GCC wants the virtual destructor that clang finds needless in a final class.
+    $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-unnecessary-virtual-specifier>)
 endif()
 
 function(quend_add_library target type)
@@ -43,13 +50,25 @@ target_compile_definitions(QuendFramework PRIVATE QUEND_FRAMEWORK_BUILDING)
 configure_file(${PROJECT_SOURCE_DIR}/src/core/Version.rc.in Version.rc @ONLY)
 target_sources(QuendFramework PRIVATE ${PROJECT_BINARY_DIR}/Version.rc)
 if(MINGW)
-  target_sources(QuendFramework PRIVATE ${PROJECT_SOURCE_DIR}/src/Exports.def)
+  # The name of the DLL stands in the file, so that an import library made of it has the name.
+  set(exports ${PROJECT_BINARY_DIR}/Quend_Framework_${PROJECT_VERSION}.def)
+  configure_file(${PROJECT_SOURCE_DIR}/src/Exports.def ${exports} @ONLY)
+  target_sources(QuendFramework PRIVATE ${exports})
+  # The import library of GCC's linker is none for MSVC's linker and lld-link; LLVM makes theirs.
+  find_program(LLVM_DLLTOOL NAMES llvm-dlltool-22 llvm-dlltool-19 llvm-dlltool)
+  if(LLVM_DLLTOOL)
+    set(import_library ${PROJECT_BINARY_DIR}/Quend_Framework_${PROJECT_VERSION}.lib)
+    execute_process(COMMAND ${LLVM_DLLTOOL} -m i386:x86-64 -d ${exports} -l ${import_library}
+      COMMAND_ERROR_IS_FATAL ANY)
+  endif()
   # GCC's runtime is shared with all modules of the process: beside the programs, in the package.
+  # It is found among the libraries of a cross compiler, and beside a compiler on Windows.
+  cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH compiler_folder)
   foreach(name libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
-    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}.dll
-      OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE)
-    file(REAL_PATH ${file} file)
-    list(APPEND runtime_libraries ${file})
+    find_file(QUEND_FRAMEWORK_${name} ${name}.dll REQUIRED NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH
+      PATHS ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES} ${compiler_folder})
+    mark_as_advanced(QUEND_FRAMEWORK_${name})
+    list(APPEND runtime_libraries ${QUEND_FRAMEWORK_${name}})
   endforeach()
   file(COPY ${runtime_libraries} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
   # Byte-equal whatever folder it is built in: no time stamp, and no image base that the
