@@ -6,7 +6,9 @@ set(headers
   include/Quend/Framework/Export.h
   include/Quend/Framework/Framework.h
   include/Quend/Framework/MemoryManager.h
-  include/Quend/Framework/PropertyManager.h)
+  include/Quend/Framework/ObjectReference.h
+  include/Quend/Framework/PropertyManager.h
+  include/Quend/Framework/ReadPropertyOr.h)
 list(TRANSFORM headers PREPEND ${PROJECT_SOURCE_DIR}/)
 include(cmake/Sources.cmake)
 
