@@ -1,33 +1,92 @@
 # `cmake --install BUILD --prefix P` gives a complete package, which find_package(QuendFramework)
-# finds below P and which may be moved; `cpack` makes a zip of the same.
+# finds below P and which may be moved; `cpack` makes a zip of the same, and a second one of the
+# debug information.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME package)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/QuendFramework)
 install(TARGETS QuendFramework EXPORT QuendFramework FILE_SET HEADERS)
-install(EXPORT QuendFramework FILE QuendFrameworkConfig.cmake NAMESPACE Quend::
+install(EXPORT QuendFramework FILE QuendFrameworkTargets.cmake NAMESPACE Quend::
   DESTINATION ${package_dir})
 # A client runs with the release that it was linked with: the version is part of the DLL's name.
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersion.cmake
   COMPATIBILITY ExactVersion)
-install(FILES ${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersion.cmake DESTINATION ${package_dir})
-install(FILES README.md CHANGELOG.md LICENSE docs/binary-interface.md TYPE DOC)
+if(MINGW)
+  list(TRANSFORM runtime_libraries REPLACE ".*/" "" OUTPUT_VARIABLE runtime_names)
+  configure_package_config_file(cmake/QuendFrameworkConfig.cmake.in QuendFrameworkConfig.cmake
+    INSTALL_DESTINATION ${package_dir} NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+else()
+  file(WRITE ${PROJECT_BINARY_DIR}/QuendFrameworkConfig.cmake
+    "include(\${CMAKE_CURRENT_LIST_DIR}/QuendFrameworkTargets.cmake)\n")
+endif()
+install(FILES ${PROJECT_BINARY_DIR}/QuendFrameworkConfig.cmake
+  ${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersion.cmake DESTINATION ${package_dir})
+
+# What a reader wants first lies at the root; links between the pages work as in the repository.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION .)
+install(DIRECTORY docs DESTINATION . FILES_MATCHING PATTERN *.md PATTERN *.svg)
+install(FILES examples/CMakeLists.txt DESTINATION examples)
+install(DIRECTORY examples/quick-start examples/first-module examples/modules
+  DESTINATION examples)
 
 if(MINGW)
   configure_file(cmake/quend-framework.pc.in quend-framework.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/quend-framework.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
   install(FILES ${exports} ${import_library} DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  install(FILES ${runtime_libraries} DESTINATION ${CMAKE_INSTALL_BINDIR})
-  # The licence notes of GCC's runtime, which is bundled: ours, and the toolchain's own texts.
-  install(FILES docs/runtime-licences.md TYPE DOC)
+
+  # GCC's runtime, without the debug information that makes up six sevenths of it.
+  foreach(file name IN ZIP_LISTS runtime_libraries runtime_names)
+    set(stripped ${PROJECT_BINARY_DIR}/runtime/${name})
+    if(${file} IS_NEWER_THAN ${stripped})
+      file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/runtime)
+      execute_process(COMMAND ${CMAKE_OBJCOPY} --strip-all ${file} ${stripped}
+        COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+    install(FILES ${stripped} DESTINATION ${CMAKE_INSTALL_BINDIR})
+  endforeach()
+  # Its licence texts, where the toolchain's packages carry them, and the list of all DLLs.
   foreach(package gcc-mingw-w64-x86-64-posix-runtime mingw-w64-x86-64-dev)
     install(FILES /usr/share/doc/${package}/copyright OPTIONAL
-      DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME ${package}.copyright)
+      DESTINATION docs RENAME ${package}.copyright)
   endforeach()
+  file(WRITE ${PROJECT_BINARY_DIR}/mingw.h "#include <_mingw.h>\n")
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -E -dM ${PROJECT_BINARY_DIR}/mingw.h
+    OUTPUT_VARIABLE macros COMMAND_ERROR_IS_FATAL ANY)
+  foreach(part MAJOR MINOR)
+    string(REGEX MATCH "__MINGW64_VERSION_${part} ([0-9]+)" match "${macros}")
+    string(APPEND mingw_version .${CMAKE_MATCH_1})
+  endforeach()
+  string(SUBSTRING ${mingw_version} 1 -1 mingw_version)
+  string(TIMESTAMP created UTC)
+  configure_file(cmake/package.spdx.in Quend_Framework-${PROJECT_VERSION}.spdx @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/Quend_Framework-${PROJECT_VERSION}.spdx DESTINATION .)
+
+  install(FILES $<TARGET_FILE:QuendFramework>.debug DESTINATION ${CMAKE_INSTALL_BINDIR}
+    COMPONENT debug CONFIGURATIONS Release)
 endif()
+
+# Last, the checksums of all that was installed: `sha256sum -c SHA256SUMS`.
+install(CODE [[
+  set(root $ENV{DESTDIR}${CMAKE_INSTALL_PREFIX})
+  set(sums "")
+  foreach(file IN LISTS CMAKE_INSTALL_MANIFEST_FILES)
+    file(SHA256 $ENV{DESTDIR}${file} sum)
+    file(RELATIVE_PATH name ${CMAKE_INSTALL_PREFIX} ${file})
+    string(APPEND sums "${sum}  ${name}\n")
+  endforeach()
+  file(WRITE ${root}/SHA256SUMS "${sums}")]])
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_FILE_NAME Quend_Framework-${PROJECT_VERSION}-win64)
+if(MINGW)
+  string(APPEND CPACK_PACKAGE_FILE_NAME -mingw-msvcrt)
+endif()
+set(CPACK_COMPONENTS_ALL package debug)
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+set(CPACK_ARCHIVE_PACKAGE_FILE_NAME ${CPACK_PACKAGE_FILE_NAME})
+set(CPACK_ARCHIVE_DEBUG_FILE_NAME ${CPACK_PACKAGE_FILE_NAME}-debug)
 set(CPACK_PACKAGE_CHECKSUM SHA256)
 include(CPack)

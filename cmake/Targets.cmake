@@ -6,7 +6,9 @@ set(headers
   include/Quend/Framework/Export.h
   include/Quend/Framework/Framework.h
   include/Quend/Framework/MemoryManager.h
-  include/Quend/Framework/PropertyManager.h)
+  include/Quend/Framework/ObjectReference.h
+  include/Quend/Framework/PropertyManager.h
+  include/Quend/Framework/ReadPropertyOr.h)
 list(TRANSFORM headers PREPEND ${PROJECT_SOURCE_DIR}/)
 include(cmake/Sources.cmake)
 
@@ -70,15 +72,18 @@ if(MINGW)
     mark_as_advanced(QUEND_FRAMEWORK_${name})
     list(APPEND runtime_libraries ${QUEND_FRAMEWORK_${name}})
   endforeach()
-  file(COPY ${runtime_libraries} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  if(PROJECT_IS_TOP_LEVEL)
+    file(COPY ${runtime_libraries} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  endif()
   # Byte-equal whatever folder it is built in: no time stamp, and no image base that the
   # linker would derive from the output path.
   target_link_options(QuendFramework PRIVATE
-    LINKER:--no-insert-timestamp LINKER:--disable-auto-image-base LINKER:--no-undefined
-    $<$<CONFIG:Release>:LINKER:--strip-all>)
+    LINKER:--no-insert-timestamp LINKER:--disable-auto-image-base LINKER:--no-undefined)
 endif()
 
-quend_add_library(QuendFrameworkStatic STATIC)
-target_compile_definitions(QuendFrameworkStatic PUBLIC QUEND_FRAMEWORK_STATIC)
-target_include_directories(QuendFrameworkStatic INTERFACE ${PROJECT_SOURCE_DIR}/src)
-target_compile_features(QuendFrameworkStatic INTERFACE cxx_std_20)
+if(QUEND_FRAMEWORK_TESTS)
+  quend_add_library(QuendFrameworkStatic STATIC)
+  target_compile_definitions(QuendFrameworkStatic PUBLIC QUEND_FRAMEWORK_STATIC)
+  target_include_directories(QuendFrameworkStatic INTERFACE ${PROJECT_SOURCE_DIR}/src)
+  target_compile_features(QuendFrameworkStatic INTERFACE cxx_std_20)
+endif()

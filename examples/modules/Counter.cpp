@@ -1,4 +1,5 @@
-// Finds what another module has registered, counts it, and grows memory that is not its own.
+// Finds what another module has registered, counts it, and grows memory that another module
+// allocated.
 #include <cctype>
 #include <cstring>
 #include <iostream>
@@ -28,7 +29,7 @@ void count(SharedText& text) {
 MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsFile*/) {
     auto* const text = static_cast<SharedText*>(findObject(kSharedTextName));
     if (text == nullptr) {
-        std::cerr << "[counter] nobody has registered \"" << kSharedTextName << "\"\n";
+        std::cerr << "[counter] no module has registered \"" << kSharedTextName << "\"\n";
         return false;
     }
     std::cout << "[counter] found \"" << kSharedTextName << "\" by its name\n";
@@ -36,16 +37,17 @@ MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsF
 
     const std::string result =
         std::to_string(text->lines) + " lines, " + std::to_string(text->words) + " words";
-    void* const grown = reallocate(text->bytes, text->size + result.size());
+    void* const grown = reallocate(text->bytes.get(), text->size + result.size());
     if (grown == nullptr) {
         std::cerr << "[counter] no memory for the result\n";
         return false;
     }
-    text->bytes = static_cast<char*>(grown);
-    std::memcpy(text->bytes + text->size, result.data(), result.size());
+    static_cast<void>(text->bytes.release());  // `grown` has taken its place
+    text->bytes.reset(static_cast<char*>(grown));
+    std::memcpy(text->bytes.get() + text->size, result.data(), result.size());
     std::cout << "[counter] grew the reader's memory by " << result.size()
               << " bytes and wrote the result behind the text: " << result << '\n';
     return true;
 }
 
-MODULE_EXPORT void stopModule() { std::cout << "[counter] I only looked: nothing to give back\n"; }
+MODULE_EXPORT void stopModule() { std::cout << "[counter] took no reference, so there is none to give back\n"; }

@@ -1,10 +1,8 @@
 // Loads modules at run time, lets them work together through the library, and unloads them.
-//   host TEXTFILE SETTINGSFILE
 #include <Quend/Framework/MemoryManager.h>
 
 #include <windows.h>
 
-#include <cstring>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -17,13 +15,18 @@ using Quend::Framework::Management::MemoryManager::findObject;
 
 namespace {
 
+constexpr const char* kHelp = R"(usage: host TEXTFILE SETTINGSFILE
+
+Loads four modules, one after the other, and unloads them again:
+  Settings.dll  puts the lines "name = value" of SETTINGSFILE into the property store
+  Reader.dll    registers a shared object and reads TEXTFILE into memory of the common heap
+  Counter.dll   finds the object by its name, counts lines and words, and grows the memory
+  Reporter.dll  keeps the object alive, reads the settings, reports, and frees the memory
+)";
+
 template <typename Function>
 Function* exportOf(HMODULE module, const char* name) {
-    const FARPROC address = GetProcAddress(module, name);
-    Function* function = nullptr;
-    static_assert(sizeof(function) == sizeof(address));
-    std::memcpy(&function, &address, sizeof(function));
-    return function;
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
 // A module that is started, and stopped and unloaded with this object.
@@ -88,12 +91,19 @@ bool run(const char* textFile, const char* settingsFile) {
 
 int main(int argc, char** argv) {
     if (argc != 3) {
-        std::cerr << "usage: host TEXTFILE SETTINGSFILE\n";
-        return 2;
+        const bool isAsked = argc == 2 && argv[1] == std::string("--help");
+        (isAsked ? std::cout : std::cerr) << kHelp;
+        return isAsked ? 0 : 2;
     }
     const bool isDone = run(argv[1], argv[2]);
     const bool isGone = findObject(kSharedTextName) == nullptr;
     std::cout << (isGone ? "host: every reference was given back\n"
-                         : "host: somebody kept a reference\n");
+                         : "host: a reference was kept\n");
+    if (isDone && isGone) {
+        std::cout << "\nWhat you saw:\n"
+                     "- an object, shared by name, that outlived the module that created it\n"
+                     "- a block of memory that one module allocated, another grew, a third freed\n"
+                     "- settings of one module read by another, and a missing one as an exception\n";
+    }
     return isDone && isGone ? 0 : 1;
 }

@@ -2,7 +2,7 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
-#include <limits>
+#include <optional>
 
 #include "Module.h"
 #include "SharedText.h"
@@ -10,6 +10,8 @@
 using namespace Quend::Framework::Management::MemoryManager;
 
 namespace {
+
+std::optional<ObjectReference<SharedText>> sharedText;
 
 // Says what is wrong with the file, or null.
 const char* readInto(SharedText& text, const char* path) {
@@ -22,15 +24,15 @@ const char* readInto(SharedText& text, const char* path) {
         return size == 0 ? "the file is empty: there is nothing to count" : "not a regular file";
     }
     text.size = static_cast<std::size_t>(size);
-    text.bytes = static_cast<char*>(allocate(text.size));
+    text.bytes.reset(static_cast<char*>(allocate(text.size)));
     if (text.bytes == nullptr) {
         return "the file does not fit into memory";
     }
     file.seekg(0);
-    if (!file.read(text.bytes, size)) {
+    if (!file.read(text.bytes.get(), size)) {
         return "reading it failed half-way";
     }
-    return std::memchr(text.bytes, '\0', text.size) == nullptr
+    return std::memchr(text.bytes.get(), '\0', text.size) == nullptr
                ? nullptr
                : "it holds NUL bytes: a binary file, not a text";
 }
@@ -38,18 +40,19 @@ const char* readInto(SharedText& text, const char* path) {
 }  // namespace
 
 MODULE_EXPORT bool startModule(const char* textFile, const char* /*settingsFile*/) {
-    auto& text = static_cast<SharedText&>(*registerObject(kSharedTextName, makeSharedText));
-    std::cout << "[reader] registered \"" << kSharedTextName << "\" and hold one reference\n";
-    if (const char* const problem = readInto(text, textFile)) {
+    sharedText.emplace(kSharedTextName, makeSharedText);
+    std::cout << "[reader] registered \"" << kSharedTextName << "\" and holds one reference\n";
+    if (const char* const problem = readInto(**sharedText, textFile)) {
         std::cerr << "[reader] cannot use " << textFile << ": " << problem << '\n';
-        unregisterObject(kSharedTextName);
+        sharedText.reset();
         return false;
     }
-    std::cout << "[reader] read " << text.size << " bytes into memory that I allocated\n";
+    std::cout << "[reader] read " << (*sharedText)->size
+              << " bytes into memory that it allocated\n";
     return true;
 }
 
 MODULE_EXPORT void stopModule() {
-    std::cout << "[reader] giving my reference back\n";
-    unregisterObject(kSharedTextName);
+    std::cout << "[reader] gives its reference back\n";
+    sharedText.reset();
 }

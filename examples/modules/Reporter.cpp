@@ -2,8 +2,10 @@
 // that others have allocated and grown.
 #include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Framework.h>
+#include <Quend/Framework/ReadPropertyOr.h>
 
 #include <iostream>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,10 +16,13 @@ using namespace Quend::Framework::Management::MemoryManager;
 using Quend::Framework::Exceptions::FrameworkException;
 using Quend::Framework::Framework::propertyManager;
 using Quend::Framework::Framework::randomNumber;
+using Quend::Framework::Framework::readPropertyOr;
 
 namespace {
 
-// Quotes anything but plain characters, so that the console's encoding does not matter.
+std::optional<ObjectReference<SharedText>> sharedText;
+
+// Shows `?` for anything but ASCII, so that the console's encoding does not matter.
 std::string printable(const std::wstring& text) {
     std::string result;
     for (const wchar_t unit : text) {
@@ -39,16 +44,18 @@ void show(const wchar_t* name) {
 }  // namespace
 
 MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsFile*/) {
-    registerObject(kSharedTextName, makeSharedText);
-    std::cout << "[reporter] took a second reference; the object was there, so none was created\n";
+    sharedText.emplace(kSharedTextName, makeSharedText);
+    std::cout << "[reporter] took a second reference; the object existed, so none was created\n";
     return true;
 }
 
 MODULE_EXPORT void stopModule() {
-    auto& text = static_cast<SharedText&>(*findObject(kSharedTextName));
+    SharedText& text = **sharedText;
     show(L"report.title");
     show(L"report.footer");
-    const std::string_view whole(text.bytes, text.size);
+    std::cout << "[reporter] with a fallback: "
+              << printable(readPropertyOr(L"report.footer", L"no footer")) << '\n';
+    const std::string_view whole(text.bytes.get(), text.size);
     std::cout << "[reporter] the text begins: " << whole.substr(0, whole.find_first_of("\r\n"))
               << '\n'
               << "[reporter] it has " << text.lines << " lines, " << text.words << " words and "
@@ -57,8 +64,7 @@ MODULE_EXPORT void stopModule() {
     for (int i = 0; i < 3; ++i) {
         std::cout << ' ' << randomNumber();
     }
-    deallocate(text.bytes);
-    text.bytes = nullptr;
-    std::cout << "\n[reporter] freed the text's memory, giving my reference back\n";
-    unregisterObject(kSharedTextName);
+    text.bytes.reset();
+    std::cout << "\n[reporter] freed the text's memory, gives its reference back\n";
+    sharedText.reset();
 }

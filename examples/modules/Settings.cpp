@@ -68,6 +68,6 @@ MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* settingsFil
 }
 
 MODULE_EXPORT void stopModule() {
-    std::cout << "[settings] clearing my properties\n";
+    std::cout << "[settings] clears its properties\n";
     clearAll();
 }

@@ -1,13 +1,14 @@
-// The object that the modules share through the registry.
+// The object that the modules share through the object registry.
 //
-// Its code lives in a DLL of its own, which every module that takes a reference imports. So it
-// stays loaded for as long as any of them does: had the class been part of the module that
-// creates the object, unloading that module would pull the destructor from under the others.
+// Its code lives in a DLL of its own, which every module that takes a reference imports, and which
+// therefore stays loaded as long as any of them does. If the class were part of the module that
+// creates the object, unloading that module would crash whoever releases the object later.
 #pragma once
 
-#include <Quend/Framework/MemoryManager.h>
+#include <Quend/Framework/ObjectReference.h>
 
 #include <cstddef>
+#include <memory>
 
 #if defined(SharedText_EXPORTS)
 #define SHARED_TEXT_API __declspec(dllexport)
@@ -24,7 +25,7 @@ struct SHARED_TEXT_API SharedText : Quend::Framework::Management::MemoryManager:
     ~SharedText() override;
 
     // On the common heap, so any module may grow or free it; null when there is none.
-    char* bytes = nullptr;
+    std::unique_ptr<char[], Quend::Framework::Management::MemoryManager::BlockDeleter> bytes;
     std::size_t size = 0;
 
     std::size_t lines = 0;

@@ -1,0 +1,33 @@
+function(run)
+  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+# Runs a program for Windows, which must print `text`.
+function(expect_output text)
+  execute_process(COMMAND ${EMULATOR} ${ARGN} OUTPUT_VARIABLE printed COMMAND_ERROR_IS_FATAL ANY)
+  string(REPLACE "\r" "" printed "${printed}")
+  string(FIND "${printed}" "${text}" place)
+  if(place EQUAL -1)
+    message(FATAL_ERROR "${ARGN} printed:\n${printed}\ninstead of:\n${text}")
+  endif()
+endfunction()
+
+# The fenced blocks of `language` in `page`, one after the other: ${out}_0, ${out}_1, ...; their
+# number in ${out}.
+function(read_blocks page language out)
+  file(READ ${page} rest)
+  set(count 0)
+  set(fence "\n```${language}\n")
+  string(LENGTH "${fence}" fence_length)
+  string(FIND "${rest}" "${fence}" begin)
+  while(NOT begin EQUAL -1)
+    math(EXPR begin "${begin} + ${fence_length}")
+    string(SUBSTRING "${rest}" ${begin} -1 rest)
+    string(FIND "${rest}" "```" end)
+    string(SUBSTRING "${rest}" 0 ${end} block)
+    set(${out}_${count} "${block}" PARENT_SCOPE)
+    math(EXPR count "${count} + 1")
+    string(FIND "${rest}" "${fence}" begin)
+  endwhile()
+  set(${out} ${count} PARENT_SCOPE)
+endfunction()
