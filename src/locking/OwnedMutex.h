@@ -7,7 +7,8 @@
 
 #include <atomic>
 #include <mutex>
-#include <thread>
+
+#include "locking/ThreadId.h"
 
 namespace Quend::Framework {
 
@@ -17,7 +18,7 @@ class OwnedMutex {
     /// Throws: std::system_error if the lock cannot be taken.
     void lock() {
         mutex.lock();
-        owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+        owner.store(currentThreadId(), std::memory_order_relaxed);
     }
 
     /// Takes the lock if it is free.
@@ -25,24 +26,24 @@ class OwnedMutex {
         if (!mutex.try_lock()) {
             return false;
         }
-        owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+        owner.store(currentThreadId(), std::memory_order_relaxed);
         return true;
     }
 
     void unlock() {
-        owner.store(std::thread::id(), std::memory_order_relaxed);
+        owner.store(ThreadId(), std::memory_order_relaxed);
         mutex.unlock();
     }
 
     /// Whether the calling thread holds the lock. Only that thread ever stores its own id, so the
     /// answer needs no order with other threads.
     bool isHeldByThisThread() const {
-        return owner.load(std::memory_order_relaxed) == std::this_thread::get_id();
+        return owner.load(std::memory_order_relaxed) == currentThreadId();
     }
 
  private:
     std::mutex mutex;
-    std::atomic<std::thread::id> owner{std::thread::id()};
+    std::atomic<ThreadId> owner{ThreadId()};
 };
 
 }  // namespace Quend::Framework

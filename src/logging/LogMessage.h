@@ -1,5 +1,5 @@
 /// \file
-// Builds one message with stream insertion and logs it when it goes out of scope:
+/// Builds one message with stream insertion and logs it when it goes out of scope:
 ///
 ///     LogMessage(channel, 10) << "Read " << count << " records";
 ///
@@ -7,12 +7,18 @@
 #pragma once
 
 #include <cstdint>
+#include <ios>
 #include <ostream>
+#include <type_traits>
+#include <utility>
 
 #include "logging/LogChannel.h"
 #include "logging/MessageText.h"
 
 namespace Quend::Framework::Logging {
+
+template <typename T>
+constexpr bool isNumberOrEnum = std::is_arithmetic_v<T> || std::is_enum_v<T>;
 
 class LogMessage {
  public:
@@ -20,22 +26,35 @@ class LogMessage {
     LogMessage(ChannelHandle toChannel, std::uint32_t atLevel)
         : channel(toChannel), level(atLevel) {}
 
-    /// Logs exactly the inserted text. What log throws, a sink's exception included, ends the
-    /// process: a destructor has nobody to report to, and a component that must survive it calls
+    /// Logs exactly the inserted text. An exception that log throws, a sink's included, ends the
+    /// process: a destructor has no caller to pass it to. A component that must survive it calls
     /// log itself.
     ~LogMessage() noexcept;
 
     LogMessage(const LogMessage&) = delete;
     LogMessage& operator=(const LogMessage&) = delete;
 
+    /// Inserts whatever a std::ostringstream takes, with the same text as the result.
     template <typename T>
-    LogMessage& operator<<(const T& value) {
+    requires(!isNumberOrEnum<std::remove_cvref_t<T>>) LogMessage& operator<<(T&& value) {
+        text.insert(std::forward<T>(value));
+        return *this;
+    }
+
+    /// Numbers and enumerators are taken by value, as a stream takes them: a static constant
+    /// without a definition has no address to refer to, nor has a bit-field.
+    template <typename T>
+    requires(isNumberOrEnum<T>) LogMessage& operator<<(T value) {
         text.insert(value);
         return *this;
     }
 
-    /// std::endl and its like are templates, which the operator above cannot deduce.
+    /// Manipulators that are templates, as std::endl is: T above cannot be deduced from them.
     LogMessage& operator<<(std::ostream& (*manipulator)(std::ostream&)) {
+        text.insert(manipulator);
+        return *this;
+    }
+    LogMessage& operator<<(std::ios& (*manipulator)(std::ios&)) {
         text.insert(manipulator);
         return *this;
     }

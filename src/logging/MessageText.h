@@ -1,107 +1,123 @@
 /// \file
-// The text of a message while it is being built: what a std::ostringstream would hold after the
-/// same insertions, without the cost of making one for the usual message of text and integers.
+/// The text of a message while it is being built: what a std::ostringstream made at the same time
+/// would hold after the same insertions, without the cost of one for the usual messages.
 ///
-/// Those are put into a buffer of this object. Anything else (a manipulator, a number with a
-/// point, a type with an inserter of its own) and what does not fit makes the stream, which takes
-/// over what is there already and everything that follows.
+/// Text, integers and finite numbers with a point are appended to a buffer of this object, and to
+/// a string where the buffer ends. The first insertion of anything else (a manipulator, a type with
+/// an inserter of its own) makes the stream, which takes over the text so far and all that follows.
 ///
-/// Threading: an object belongs to one thread. Nothing here outlives it: a stream kept for each
-/// thread would have to be destroyed by threads that outlive the library.
+/// Threading: an object belongs to one thread. No stream is kept for each thread: it would have to
+/// be destroyed by threads that outlive the library.
 #pragma once
 
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <concepts>
+#include <ios>
 #include <locale>
+#include <new>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 namespace Quend::Framework::Logging {
 
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the buffer is filled as it is used
 class MessageText {
  public:
+    /// Inserts as a std::ostringstream does, which throws nothing itself.
     template <typename T>
-    void insert(const T& value) {
+    void insert(T&& value) {
         if (!stream && isAppended(value)) {
             return;
         }
-        asStream() << value;
+        asStream() << std::forward<T>(value);
     }
 
     /// Zero-terminated; valid until the object is used again. Text behind a NUL is not seen.
     const char* get() {
         if (stream) {
-            whole = std::move(*stream).str();
-            return whole.c_str();
+            longText = std::move(*stream).str();
+        }
+        if (stream || !longText.empty()) {
+            return longText.c_str();
         }
         buffer[size] = '\0';
         return buffer.data();
     }
 
  private:
-    template <typename T>
-    static constexpr bool isInteger =
-        std::is_same_v<T, short> || std::is_same_v<T, unsigned short> || std::is_same_v<T, int> ||
-        std::is_same_v<T, unsigned> || std::is_same_v<T, long> ||
-        std::is_same_v<T, unsigned long> || std::is_same_v<T, long long> ||
-        std::is_same_v<T, unsigned long long>;
+    template <typename T, typename... Types>
+    static constexpr bool isOneOf = (std::is_same_v<T, Types> || ...);
 
+    /// Only for these very types: one that merely converts to them may have its own inserter.
     template <typename T>
     bool isAppended(const T& value) {
-        if constexpr (isInteger<T>) {
-            return isIntegerAppended(value);
+        if constexpr (isOneOf<T, short, unsigned short, int, unsigned, long, unsigned long,
+                              long long, unsigned long long>) {
+            return isNumberAppended(value);
+        } else if constexpr (isOneOf<T, float, double>) {
+            // The format of a stream. Its text for infinity and NaN depends on the platform.
+            return std::isfinite(value) && isNumberAppended(value, std::chars_format::general, 6);
         } else if constexpr (std::is_same_v<T, char>) {
-            return isTextAppended(std::string_view(&value, 1));
-        } else if constexpr (std::is_convertible_v<const T&, const char*>) {
+            return isTextAppended({&value, 1});
+        } else if constexpr (isOneOf<std::decay_t<T>, const char*, char*>) {
             const char* const text = value;
             return text != nullptr && isTextAppended(text);
-        } else if constexpr (std::is_convertible_v<const T&, std::string_view>) {
+        } else if constexpr (isOneOf<T, std::string, std::string_view>) {
             return isTextAppended(value);
         } else {
             return false;
         }
     }
 
-    template <typename T>
-    bool isIntegerAppended(T value) {
-        // Another global locale may group the digits.
-        if (std::locale() != std::locale::classic()) {
+    template <typename T, typename... Format>
+    bool isNumberAppended(T value, Format... format) {
+        if (locale != std::locale::classic()) {  // which may group digits or have another point
             return false;
         }
-        char* const end = buffer.data() + buffer.size() - 1;
-        const auto [next, error] = std::to_chars(buffer.data() + size, end, value);
-        if (error != std::errc()) {
-            return false;
-        }
-        size = static_cast<std::size_t>(next - buffer.data());
-        return true;
+        std::array<char, 24> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+        const auto end =
+            std::to_chars(digits.data(), digits.data() + digits.size(), value, format...).ptr;
+        return isTextAppended({digits.data(), end});
     }
 
     bool isTextAppended(std::string_view text) {
-        if (text.size() >= buffer.size() - size) {
-            return false;
+        if (longText.empty() && text.size() < buffer.size() - size) {
+            text.copy(buffer.data() + size, text.size());
+            size += text.size();
+            return true;
         }
-        text.copy(buffer.data() + size, text.size());
-        size += text.size();
-        return true;
+        try {
+            if (longText.empty()) {
+                longText.reserve(2 * buffer.size() + text.size());
+                longText.assign(buffer.data(), size);
+            }
+            longText.append(text);
+            return true;
+        } catch (const std::bad_alloc&) {
+            return false;  // the stream fails likewise, and says so by its state alone
+        }
     }
 
     std::ostringstream& asStream() {
         if (!stream) {
             stream.emplace();
-            *stream << std::string_view(buffer.data(), size);
+            stream->imbue(locale);
+            *stream << (longText.empty() ? std::string_view(buffer.data(), size) : longText);
         }
         return *stream;
     }
 
     std::array<char, 256> buffer;  // the first `size` bytes count, and room for a NUL
     std::size_t size = 0;
-    std::optional<std::ostringstream> stream;
-    std::string whole;
+    std::string longText;                      // all of the text, if it has outgrown the buffer
+    std::optional<std::ostringstream> stream;  // all of the text, if it exists
+    std::locale locale;  // the global one of the time when the message was begun
 };
 
 }  // namespace Quend::Framework::Logging
