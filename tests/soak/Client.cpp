@@ -3,7 +3,6 @@
 #include <Quend/Framework/Framework.h>
 #include <Quend/Framework/MemoryManager.h>
 
-#include <atomic>
 #include <cstring>
 #include <mutex>
 #include <stdexcept>
@@ -23,31 +22,21 @@ std::atomic<Tally*> current{nullptr};
 std::mutex propertyMutex;  // the store has none: its users agree on one
 
 struct Object : IRegisteredObject {
-    Object() { ++current.load()->objectsMade; }
-    ~Object() override { ++current.load()->objectsDestroyed; }
+    Object() { ++current.load()->objects; }
+    ~Object() override { --current.load()->objects; }
 };
 
 IRegisteredObject* make() { return new Object; }
 IRegisteredObject* fail() { throw std::runtime_error("on purpose"); }
 IRegisteredObject* callBack() { return findObject("inner"); }
 
-template <typename Exception, typename Call>
-void mustThrow(Tally& tally, Call call) {
-    try {
-        call();
-        ++tally.mistakes;
-    } catch (const Exception&) {
-        ++tally.exceptions;
-    }
-}
-
 void useObjects(Tally& tally, const std::string& name) {
     IRegisteredObject* const object = registerObject(name.c_str(), make);
-    tally.mistakes += object != findObject(name.c_str()) ? 1 : 0;
+    tally.require(object == findObject(name.c_str()));
     unregisterObject(name.c_str());
     // A name that nobody holds, or the factory would not be called.
-    mustThrow<std::runtime_error>(tally, [] { registerObject("never held", fail); });
-    mustThrow<std::system_error>(tally, [] { registerObject("never held", callBack); });
+    tally.requireThrow<std::runtime_error>([] { registerObject("never held", fail); });
+    tally.requireThrow<std::system_error>([] { registerObject("never held", callBack); });
 }
 
 void useProperties(Tally& tally, const std::wstring& name) {
@@ -55,14 +44,14 @@ void useProperties(Tally& tally, const std::wstring& name) {
     propertyManager()->setProperty(name, L"a value that no short string holds");
     propertyManager()->setProperty(name, propertyManager()->readProperty(name));
     propertyManager()->clearProperty(name);
-    mustThrow<FrameworkException>(tally, [&] { propertyManager()->readProperty(name); });
+    tally.requireThrow<FrameworkException>([&] { propertyManager()->readProperty(name); });
 }
 
 void useMemory(Tally& tally) {
     void* const block = reallocate(allocate(randomNumber() % 1000U + 1U), 5000);
     std::memset(block, 1, 5000);
     deallocate(block);
-    tally.mistakes += allocate(~0ULL / 2) != nullptr ? 1 : 0;
+    tally.require(allocate(~0ULL / 2) == nullptr);
 }
 
 }  // namespace
@@ -73,6 +62,5 @@ extern "C" __declspec(dllexport) void work(Tally* tally) {
         useObjects(*tally, "object " + std::to_string(i % 13));
         useProperties(*tally, L"property " + std::to_wstring(i % 7));
         useMemory(*tally);
-        tally->operations += 15;
     }
 }

@@ -16,32 +16,26 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr int kThreads = 4;
 constexpr std::size_t kHeapSlack = 262'144;  // what the heap takes or returns at once
 
-// One load, work and unload of both modules.
+// One load, work and unload of both modules, with two threads in each.
 void runRound(Tally& tally) {
-    std::vector<HMODULE> modules;
+    const wchar_t* const names[] = {L"SoakClient.dll", L"SoakLogger.dll"};
     std::vector<std::thread> threads;
-    for (const wchar_t* const name : {L"SoakClient.dll", L"SoakLogger.dll"}) {
-        modules.push_back(LoadLibraryW(name));
-        const FARPROC address = GetProcAddress(modules.back(), "work");
+    for (const wchar_t* const name : names) {
+        const FARPROC address = GetProcAddress(LoadLibraryW(name), "work");
         Work* work = nullptr;
         std::memcpy(&work, &address, sizeof(work));
-        for (int i = 0; i < kThreads / 2; ++i) {
-            threads.emplace_back(work, &tally);
-        }
+        threads.emplace_back(work, &tally);
+        threads.emplace_back(work, &tally);
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    for (HMODULE module : modules) {
-        FreeLibrary(module);
+    for (const wchar_t* const name : names) {
+        FreeLibrary(GetModuleHandleW(name));
+        tally.require(GetModuleHandleW(name) == nullptr);
     }
-    tally.mistakes += GetModuleHandleW(L"SoakClient.dll") != nullptr ? 1 : 0;
-    tally.mistakes += GetModuleHandleW(L"SoakLogger.dll") != nullptr ? 1 : 0;
 }
 
 struct Figures {
@@ -50,11 +44,17 @@ struct Figures {
     std::size_t committed = tests::committedBytes();
 };
 
+void print(int rounds, const Figures& figures) {
+    std::printf("%7d %8zu %10lu %14zu\n", rounds, figures.handles, figures.tlsIndex,
+                figures.committed / 1024);
+    std::fflush(stdout);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const double minutes = argc > 1 ? std::atof(argv[1]) : 1;
-    if (minutes <= 0) {
+    const std::chrono::duration<double> length(argc == 2 ? std::atof(argv[1]) * 60 : 0);
+    if (length.count() <= 0) {
         std::fputs("usage: Soak MINUTES\n", stderr);
         return 2;
     }
@@ -62,38 +62,25 @@ int main(int argc, char** argv) {
     for (int i = 0; i < 20; ++i) {  // what is allocated once, is now
         runRound(tally);
     }
+    std::puts(" rounds  handles  TLS index  committed KiB");
     const Figures before;
-    const auto lineEvery = std::chrono::duration<double>(minutes < 5 ? minutes * 12 : 60.0);
-    const auto start = Clock::now();
-    const auto end = start + std::chrono::duration<double>(minutes * 60);
-    bool hasGrown = false;
-    std::puts("seconds     rounds  operations  exceptions/min  handles  TLS index  committed KiB");
-    for (int line = 1, rounds = 0; Clock::now() < end; ++line) {
-        const long long exceptionsBefore = tally.exceptions;
-        const auto lineStart = Clock::now();
-        while (Clock::now() < lineStart + lineEvery) {
+    Figures after;
+    print(0, before);
+    const auto start = std::chrono::steady_clock::now();
+    for (int tenth = 1, rounds = 0; tenth <= 10; ++tenth) {
+        while (std::chrono::steady_clock::now() < start + length * tenth / 10) {
             runRound(tally);
             ++rounds;
         }
-        const std::chrono::duration<double> taken = Clock::now() - lineStart;
-        const std::chrono::duration<double> total = Clock::now() - start;
-        const Figures now;
-        std::printf("%7.0f %10d %11lld %15.0f %8zu %10lu %14zu\n", total.count(), rounds,
-                    tally.operations.load(),
-                    static_cast<double>(tally.exceptions - exceptionsBefore) * 60 / taken.count(),
-                    now.handles, now.tlsIndex, now.committed / 1024);
-        std::fflush(stdout);
-        hasGrown = hasGrown || now.handles > before.handles || now.tlsIndex > before.tlsIndex ||
-                   now.committed > before.committed + kHeapSlack;
+        print(rounds, after = Figures());
     }
-    std::printf(
-        "objects: %lld made, %lld destroyed; messages: %lld logged, %lld written; "
-        "mistakes: %lld; at the start: %zu handles, TLS index %lu, %zu KiB\n",
-        tally.objectsMade.load(), tally.objectsDestroyed.load(), tally.messagesLogged.load(),
-        tally.messagesWritten.load(), tally.mistakes.load(), before.handles, before.tlsIndex,
-        before.committed / 1024);
-    const bool addsUp = tally.mistakes == 0 && tally.objectsMade == tally.objectsDestroyed &&
-                        tally.messagesLogged == tally.messagesWritten;
+    const bool hasGrown = after.handles > before.handles || after.tlsIndex > before.tlsIndex ||
+                          after.committed > before.committed + kHeapSlack;
+    const bool addsUp = tally.objects == 0 && tally.messages == 0 && tally.mistakes == 0;
+    if (!addsUp) {
+        std::printf("objects left: %ld, messages lost: %ld, mistakes: %ld\n", tally.objects.load(),
+                    tally.messages.load(), tally.mistakes.load());
+    }
     std::puts(hasGrown ? "A figure has grown."
               : addsUp ? "Nothing has grown, and everything adds up."
                        : "The counts do not add up.");

@@ -3,16 +3,23 @@
 
 #include <atomic>
 
-// What the modules did, counted by all threads at once.
+// Counted by all threads at once. Everything is 0 in the end.
 struct Tally {
-    std::atomic<long long> operations{0};
-    std::atomic<long long> exceptions{0};  // all of them on purpose, and caught
-    std::atomic<long long> objectsMade{0};
-    std::atomic<long long> objectsDestroyed{0};
-    std::atomic<long long> messagesLogged{0};  // to a channel with a sink
-    std::atomic<long long> messagesWritten{0};
-    std::atomic<long long> mistakes{0};  // anything that went otherwise than it must
+    std::atomic<long> objects{0};   // made and not destroyed
+    std::atomic<long> messages{0};  // logged to a channel with a sink, and not written
+    std::atomic<long> mistakes{0};  // anything that went otherwise than it must
+
+    void require(bool condition) { mistakes += condition ? 0 : 1; }
+
+    template <typename Exception, typename Call>
+    void requireThrow(Call call) {
+        try {
+            call();
+            ++mistakes;
+        } catch (const Exception&) {  // NOLINT(bugprone-empty-catch): on purpose
+        }
+    }
 };
 
-// Exported by each module as `work`: a few hundred operations, from any number of threads.
+// Exported by each module as `work`: some thousand operations, from any number of threads.
 using Work = void(Tally* tally);

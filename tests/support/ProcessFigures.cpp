@@ -1,21 +1,20 @@
 #include "support/ProcessFigures.h"
 
-#include <cstdint>
 #include <stdexcept>
 
 namespace tests {
 namespace {
 
-// Asks for every value that a handle could have. Windows gives out the lowest free one, so that no
-// handle lies far behind the one before it.
+// Asks for every value that a handle could have, until so many in a row are free. Free values are
+// given out again, so no gap is longer than the number of handles that were once open together.
 std::size_t countHandles() {
-    constexpr std::uintptr_t kStep = 4;
-    constexpr std::uintptr_t kGap = 3000 * kStep;
+    constexpr LONG kStep = 4;
+    constexpr LONG kGap = 1000 * kStep;
     std::size_t count = 0;
-    std::uintptr_t last = 0;
-    for (std::uintptr_t value = kStep; value <= last + kGap; value += kStep) {
+    LONG last = 0;
+    for (LONG value = kStep; value <= last + kGap; value += kStep) {
         DWORD flags = 0;
-        if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) != FALSE) {
+        if (GetHandleInformation(LongToHandle(value), &flags) != FALSE) {
             ++count;
             last = value;
         }

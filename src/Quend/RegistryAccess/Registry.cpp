@@ -1,9 +1,6 @@
 // Invariants: a record exists exactly while at least one Registry points to it, and its count is
-// their number. Everything that may throw comes before the platform opens a key, so that an open
-// key always has its owner.
-//
-// A UTF-16 copy lives no longer than the statement with the platform's call: it is gone before
-// an error is raised.
+// their number. Everything that may throw comes before the platform opens a key, so that every open
+// key has an owner. UTF-16 copies live no longer than the statement with the platform call.
 #include "Quend/RegistryAccess/Registry.h"
 
 #include <shlwapi.h>
@@ -11,8 +8,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <source_location>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -25,8 +24,8 @@ namespace {
 using Framework::Text::stringToWstring;
 using Framework::Text::wstringToString;
 
-// What becomes of a result code. Three are told apart, success included; the code itself is
-// not kept. Callers and their users know the texts: they stay as they are.
+// What a result code is turned into. The code itself is not kept. Callers and their users know the
+// texts, so they must not change.
 struct Failure {
     void (*raise)(const char* message, std::int32_t line);
     const char* message;
@@ -51,9 +50,9 @@ constexpr auto notFound = raiseError<Registry::NotFound>;
 constexpr auto openError = raiseError<Registry::OpenError>;
 constexpr auto creationError = raiseCreationError;
 
-// The constructor's text has no full stop where that of openSubKey has one.
-// Where a value is read or written, NotFound is for 259 alone, although the platform's own code
-// for a value that does not exist is another, 2. It can be had from a listing only.
+// The constructor's text has no full stop, unlike that of openSubKey. Reading and writing a value
+// give NotFound for 259 alone, which only a listing returns: for a value that does not exist the
+// platform's code is 2.
 constexpr Failures kConstructor = {
     {accessDenied, "Unable to open requested key"},
     {openError, "Unable to open requested key"},
@@ -93,11 +92,11 @@ constexpr Failures kCreateSubKey = {
 };
 constexpr Failures kGetSubKeys = {
     {accessDenied, "Not enough permissions to read sub key enumeration."},
-    {nullptr, nullptr},  // ends the list, which is no failure
+    {nullptr, nullptr},  // the end of the list, handled before
     {openError, "Unable to open enumerated sub key."},
 };
 
-// Errors name the line of the check: where one of these functions is called.
+// An error names the line of the check, which is the line that calls one of these functions.
 using Line = std::uint_least32_t;
 
 void requireHandle(const void* handle, Line line = std::source_location::current().line()) {
@@ -126,20 +125,20 @@ void requireDword(DWORD type, Line line = std::source_location::current().line()
     }
 }
 
-// One limit for every listing, in units for names and in bytes for data.
+// The limit of every listing, in units for names and in bytes for data.
 constexpr DWORD kListingLimit = 261;
 
-// What precedes the first NUL; all of the buffer if there is none.
+// The text before the first NUL, or the whole buffer if there is none.
 template <std::size_t Size>
 std::wstring textIn(const std::array<wchar_t, Size>& buffer) {
     return {buffer.begin(), std::find(buffer.begin(), buffer.end(), L'\0')};
 }
 
-// Lists the values up to the one named `valueName` and stores its text in `text`; returns the
-// first result code that is not success, or success.
+// Lists the values up to the one named `valueName` and stores its text in `text`. Returns success,
+// or the first code of the listing that is not.
 LSTATUS findText(HKEY key, std::wstring_view valueName, std::wstring& text) {
     for (DWORD index = 0;; ++index) {
-        // Fresh for each value, so that nothing of a longer one is left.
+        // Zeroed for each value, or the rest of a longer one would follow.
         std::array<wchar_t, kListingLimit> name{};
         std::array<wchar_t, kListingLimit / sizeof(wchar_t) + 1> data{};  // 262 bytes: whole units
         DWORD nameLength = kListingLimit;
@@ -164,7 +163,7 @@ LSTATUS readSubKeyName(HKEY key, DWORD index, std::wstring& subKeyName) {
     return code;
 }
 
-// The text to write: as many code units as `text` has bytes.
+// As many code units as `text` has bytes.
 std::wstring paddedText(const std::vector<char>& text) {
     std::wstring padded = stringToWstring(std::string(text.begin(), text.end()));
     padded.resize(text.size(), L'\0');
@@ -172,6 +171,13 @@ std::wstring paddedText(const std::vector<char>& text) {
 }
 
 }  // namespace
+
+std::uint32_t textValueSize(std::size_t length) {
+    if (length > UINT32_MAX / sizeof(wchar_t)) {
+        throw std::length_error("string too long");
+    }
+    return static_cast<std::uint32_t>(length * sizeof(wchar_t));
+}
 
 Registry::CreationError::CreationError()
     : GenericRegistryError(kCreationError, std::source_location::current().line()) {}
@@ -213,7 +219,7 @@ bool Registry::hasValue(const std::string& valueName) const {
 std::int32_t Registry::getIntValue(const std::string& valueName) const {
     requireHandle(handle_);
     DWORD type = 0;
-    std::int32_t number = 0;  // a value of fewer bytes leaves the others 0
+    std::int32_t number = 0;  // a shorter value leaves the other bytes 0
     DWORD size = sizeof(number);
     const LSTATUS code = RegQueryValueExW(handle_->key, stringToWstring(valueName).c_str(), nullptr,
                                           &type, reinterpret_cast<BYTE*>(&number), &size);
@@ -233,9 +239,10 @@ std::vector<char> Registry::getStringValue(const std::string& valueName) const {
 
 void Registry::setStringValue(const std::string& valueName, const std::vector<char>& text) const {
     requireHandle(handle_);
-    const LSTATUS code = RegSetValueExW(handle_->key, stringToWstring(valueName).c_str(), 0, REG_SZ,
-                                        reinterpret_cast<const BYTE*>(paddedText(text).c_str()),
-                                        static_cast<DWORD>(text.size() * sizeof(wchar_t)));
+    const DWORD size = textValueSize(text.size());
+    const LSTATUS code =
+        RegSetValueExW(handle_->key, stringToWstring(valueName).c_str(), 0, REG_SZ,
+                       reinterpret_cast<const BYTE*>(paddedText(text).c_str()), size);
     requireSuccess(code, kWriteValue);
 }
 
@@ -291,7 +298,7 @@ std::vector<Registry> Registry::getSubKeys() const {
     }
 }
 
-// Binds `opened`, which is unbound, to `path` below this key, if `open` succeeds.
+// Binds the unbound `opened` to `path` below this key, if `open` succeeds.
 LSTATUS Registry::openBelow(OpeningFunction open, const std::string& path, Registry& opened) const {
     opened.name = path;
     auto record = std::make_unique<SharedHandle>();
@@ -300,8 +307,8 @@ LSTATUS Registry::openBelow(OpeningFunction open, const std::string& path, Regis
         return code;
     }
     if (record->key == handle_->key) {
-        // For an empty path the platform gives back the handle it was passed, without opening
-        // anything. It is to be closed once, so there must be no second record of it.
+        // For an empty path the platform returns this key's own handle and opens nothing. A second
+        // record would close it twice.
         ++handle_->referenceCount;
         opened.handle_ = handle_;
     } else {

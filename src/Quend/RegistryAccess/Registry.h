@@ -1,28 +1,32 @@
 /// \file
-// One open key of the Windows registry, as a small value: reads and writes numbers and texts,
-/// deletes, and opens, creates and lists sub keys. Names and texts are narrow, in the process's
-/// multibyte encoding; the conversions are those of "properties/TextConversion.h".
+/// A small value type for one open key of the Windows registry: reads and writes numbers and
+/// texts, deletes, and opens, creates and lists sub keys.
 ///
-/// Threading: none of its own. An object and its copies belong to one thread at a time, since
-/// the count they share is a plain integer.
+/// Names, paths and texts are narrow, in the process's multibyte encoding, and are converted with
+/// "properties/TextConversion.h"; whatever follows a NUL is ignored. Copies share one open key,
+/// which is closed with the last of them. An object made without arguments or moved from is
+/// unbound: it has no key and an empty name, and only copying, assigning and destroying work.
 ///
-/// Lifetime: copies share one open key, which is closed when the last of them goes. An object
-/// made without arguments or moved from is unbound: it has no key and an empty name, and can be
-/// copied, assigned and destroyed, nothing else.
-///
-/// Errors: what the platform refuses is thrown as one of the classes in "RegistryErrors.h", with
-/// a fixed text per operation. Besides, std::bad_alloc, and std::length_error for a name or text
-/// that is not valid in the encoding, before anything was asked of the platform. After any of
-/// them no object has changed and no key stays open.
+/// Throws: what the platform refuses, as a class of "RegistryErrors.h" with a fixed text for each
+/// operation; NotInitialized if the object is unbound; std::length_error if a name, path or text
+/// is not valid in the encoding, before any platform call; std::bad_alloc.
+/// Threading: none. An object and its copies belong to one thread at a time, since the count they
+/// share is a plain integer.
+/// On failure: no object has changed and no key is left open.
 #pragma once
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace Quend::RegistryAccess {
+
+/// Returns the size in bytes of a REG_SZ value made from `length` narrow bytes: two for each.
+/// Throws: std::length_error from 2 GB on, which the platform's 32-bit size cannot hold.
+std::uint32_t textValueSize(std::size_t length);
 
 class Registry {
  public:
@@ -33,68 +37,78 @@ class Registry {
     class CreationError;
     class AccessDenied;
 
-    Registry() noexcept = default;  // unbound
+    /// Makes an unbound object.
+    Registry() noexcept = default;
 
-    /// Opens `path` below `parent`. The name is the part of the path behind its last backslash:
-    /// empty if the path ends in one, the whole path if it has none.
-    /// For an empty path the platform gives back `parent` itself and opens nothing; the object
-    /// then takes it over and closes it.
+    /// Opens `path` below `parent`. The name is the part of `path` behind its last backslash.
+    /// Ownership: for an empty path the platform returns `parent` itself, and this object closes
+    /// it.
     Registry(HKEY parent, const std::string& path);
 
+    /// Shares the key of `other`.
     Registry(const Registry& other);
+
+    /// Takes over the key of `other`, which is unbound afterwards.
     Registry(Registry&& other) noexcept;
-    Registry& operator=(Registry other) noexcept;  // copies or moves; also onto itself
+
+    /// Copies or moves, also onto itself.
+    Registry& operator=(Registry other) noexcept;
+
     ~Registry();
 
+    /// Returns the name given when the key was opened; see the constructor and openSubKey.
     const std::string& getName() const noexcept { return name; }
 
-    /// Every function from here on first throws NotInitialized if the object is unbound. In each
-    /// name, path and text to be written, what follows a NUL is ignored.
-
-    /// Whether the platform answers a query for the value with success: a value that may not be
-    /// read counts as absent, and the platform's refusal is never thrown.
+    /// Returns whether a query for the value succeeds; one that may not be read counts as absent.
     bool hasValue(const std::string& valueName) const;
 
-    /// The bits of a REG_DWORD value. Only the result code for the end of an enumeration gives
-    /// NotFound: a value that does not exist is an OpenError, as is one of more than four bytes
-    /// or of another type.
+    /// Returns the bits of a REG_DWORD value.
+    /// Throws: OpenError if the value does not exist, has another type or more than four bytes.
     std::int32_t getIntValue(const std::string& valueName) const;
 
-    /// The bytes of a value read as UTF-16 text up to its first NUL, of whatever type, without
-    /// terminator: as many bytes as the text has code units, all NUL if one of them cannot be
-    /// converted.
-    /// The value is searched for by listing, and its name compared exactly: unlike everywhere
-    /// else in the registry, one that differs in case is NotFound. A value of more than 261
-    /// bytes, or a name too long for 261 units, ends the search with an OpenError when it is met
-    /// before the one that was asked for.
+    /// Returns the text of a value of any type, read as UTF-16 up to its first NUL: as many bytes
+    /// as it has code units, all of them NUL if one cannot be converted.
+    /// The values are listed until one has exactly this name: case matters here, unlike everywhere
+    /// else in the registry.
+    /// Throws: NotFound if no name matches; OpenError if a value of more than 261 bytes or with a
+    /// name of more than 260 units comes first.
     std::vector<char> getStringValue(const std::string& valueName) const;
 
-    /// Writes a REG_SZ value of two bytes for each byte of `text`, which is shorter than 2 GB. A
-    /// terminator is counted only if `text` ends with one. Where the converted text is shorter
-    /// than that, because it holds a NUL or characters of several bytes, NULs follow.
+    /// Writes a REG_SZ value of two bytes for each byte of `text`. A terminator is written only if
+    /// `text` ends with one. If the converted text is shorter, because `text` holds a NUL or
+    /// characters of several bytes, NULs fill the rest.
+    /// Throws: std::length_error if `text` has 2 GB or more, before any platform call.
     void setStringValue(const std::string& valueName, const std::vector<char>& text) const;
 
-    void setIntValue(const std::string& valueName, std::uint32_t number) const;  // REG_DWORD
+    /// Writes a REG_DWORD value.
+    void setIntValue(const std::string& valueName, std::uint32_t number) const;
 
-    /// Fails for a value that does not exist.
+    /// Deletes the value.
+    /// Throws: NotFound if it does not exist.
     void deleteValue(const std::string& valueName) const;
 
-    /// Deletes the key with all its values and sub keys. Fails for a key that does not exist.
+    /// Deletes the key `path` below this one with all its values and sub keys.
+    /// An empty path, or one that begins with a NUL, deletes everything in this very key and
+    /// reports success: check a name from getSubKeys before deleting with it.
+    /// Throws: NotFound if the key does not exist.
     void deleteSubKey(const std::string& path) const;
 
-    /// A key below this one; createSubKey opens it if it exists. Unlike the constructor's, its
-    /// name is the path exactly as given, backslashes and all.
+    /// Opens the key `path` below this one. Unlike the constructor's, its name is all of `path`.
+    /// An empty path gives another object that shares this key.
     Registry openSubKey(const std::string& path) const;
+
+    /// Like openSubKey, but creates the key if it does not exist.
     Registry createSubKey(const std::string& path) const;
 
-    /// The direct sub keys, opened with openSubKey, in the platform's order. If one cannot be
-    /// opened, that error is thrown instead. A name that cannot be converted opens as an empty
-    /// path does: this key itself.
+    /// Opens the direct sub keys with openSubKey, in the platform's order.
+    /// A sub key whose name the encoding cannot show appears as this very key, with a name of NULs:
+    /// do not descend into it. Outside the C locale the runtime may also convert a character to a
+    /// look-alike, and so open another sub key of that name.
+    /// Throws: the error of the first sub key that cannot be opened.
     std::vector<Registry> getSubKeys() const;
 
  private:
-    /// Not a std::shared_ptr: that counts atomically, which one thread does not need, and is two
-    /// pointers wide.
+    /// Not a std::shared_ptr, which counts atomically and is two pointers wide.
     struct SharedHandle {
         HKEY key = nullptr;
         std::uint32_t referenceCount = 1;

@@ -14,7 +14,7 @@
 namespace Quend::RegistryAccess {
 namespace {
 
-// As in "class Quend::RegistryAccess::Registry::NotFound", whatever the compiler.
+// Such as "class Quend::RegistryAccess::Registry::NotFound", with every compiler.
 std::string readableName(const std::type_info& type) {
 #ifdef _MSC_VER
     return type.name();
@@ -22,7 +22,7 @@ std::string readableName(const std::type_info& type) {
     const std::unique_ptr<char, decltype(&std::free)> demangled(
         abi::__cxa_demangle(type.name(), nullptr, nullptr, nullptr), &std::free);
     if (demangled == nullptr) {
-        throw std::bad_alloc();  // the name is well-formed, so there is no other reason
+        throw std::bad_alloc();  // the only reason, as the name is well-formed
     }
     return std::string("class ") + demangled.get();
 #endif
@@ -43,16 +43,16 @@ const char* Registry::GenericRegistryError::what() const noexcept {
     try {
         if (record->whatText.empty()) {
             std::ostringstream text;
-            // Without this a stream that runs out of memory just stops, and half a text would
-            // be kept for good.
+            // Otherwise a stream that runs out of memory stops without a word, and half a text
+            // would be kept.
             text.exceptions(std::ios::badbit | std::ios::failbit);
-            text.imbue(std::locale::classic());  // no separators within the line's number
+            text.imbue(std::locale::classic());  // no separators in the line number
             text << "Exception '" << readableName(typeid(*this)) << "' (" << record->file << ':'
                  << record->line << "): " << record->message;
             record->whatText = text.str();
         }
     } catch (...) {
-        // Who asks for the text of an error is not to be given another one.
+        // what() must not throw.
     }
     return record->whatText.c_str();
 }

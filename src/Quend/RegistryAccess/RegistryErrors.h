@@ -1,9 +1,10 @@
 /// \file
-// What Registry throws. A family of its own: neither a std::exception nor a FrameworkException,
-/// so a handler of those lets it pass; catch GenericRegistryError, or one of its classes.
+/// What Registry throws: a family of its own, neither std::exception nor FrameworkException. Catch
+/// GenericRegistryError or one of its classes.
 ///
-/// Threading: as for any value, except that the first what() writes into the object.
-/// Lifetime: each copy owns its own texts. Every constructor may throw std::bad_alloc.
+/// Throws: every constructor, std::bad_alloc.
+/// Threading: one thread at a time, since the first what() writes into the object.
+/// Ownership: each copy owns its texts.
 #pragma once
 
 #include <cstdint>
@@ -16,18 +17,19 @@ namespace Quend::RegistryAccess {
 
 class Registry::GenericRegistryError {
  public:
-    /// Also copies what the first what() composed.
+    /// Copies the message, the place and the text of what(), if that was composed.
     GenericRegistryError(const GenericRegistryError& other);
     GenericRegistryError& operator=(const GenericRegistryError&) = delete;
     virtual ~GenericRegistryError();
 
-    /// "Exception '<class>' (<file>:<line>): <message>", composed on the first call. Valid as
-    /// long as this object. An empty text if memory runs out; the next call tries again.
+    /// Returns "Exception '<class>' (<file>:<line>): <message>", composed by the first call.
+    /// Ownership: the text lives as long as this object.
+    /// On failure: an empty text if memory runs out; the next call tries again.
     virtual const char* what() const noexcept;
 
  protected:
-    /// The place is that of the check that failed. `file` is the component's path, always the
-    /// same and without suffix: the texts do not depend on how its code is spread over files.
+    /// `line` is that of the check that failed. `file` is the component's path without a suffix,
+    /// always the same: texts do not depend on how the code is spread over files.
     GenericRegistryError(std::string message, std::int32_t line,
                          const char* file = "Quend/RegistryAccess/Registry");
 
@@ -41,13 +43,13 @@ class Registry::GenericRegistryError {
     std::unique_ptr<Record> record;  // never null
 };
 
-/// What was asked for is not there.
+/// The requested key or value does not exist.
 class Registry::NotFound : public GenericRegistryError {
  public:
     NotFound(const std::string& message, std::int32_t line) : GenericRegistryError(message, line) {}
 };
 
-/// A key or value could not be opened, or is not of the kind that was asked for.
+/// A key or value cannot be opened, or is of the wrong type.
 class Registry::OpenError : public GenericRegistryError {
  public:
     OpenError(const std::string& message, std::int32_t line)
@@ -61,12 +63,13 @@ class Registry::NotInitialized : public GenericRegistryError {
         : GenericRegistryError(message, line) {}
 };
 
-/// A key could not be created. There is one way to fail, so text and line are its own.
+/// A key cannot be created. Thrown in one place only, so it has its own text and line.
 class Registry::CreationError : public GenericRegistryError {
  public:
     CreationError();
 };
 
+/// The rights of the key or of the user do not suffice.
 class Registry::AccessDenied : public GenericRegistryError {
  public:
     AccessDenied(const std::string& message, std::int32_t line)
