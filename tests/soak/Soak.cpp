@@ -8,10 +8,10 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <thread>
 #include <vector>
 
+#include "support/ModuleExport.h"
 #include "support/ProcessFigures.h"
 
 namespace {
@@ -27,9 +27,7 @@ void runRound(Tally& tally) {
     std::vector<std::thread> threads;
     for (const wchar_t* const name : {L"SoakClient.dll", L"SoakLogger.dll"}) {
         modules.push_back(LoadLibraryW(name));
-        const FARPROC address = GetProcAddress(modules.back(), "work");
-        Work* work = nullptr;
-        std::memcpy(&work, &address, sizeof(work));
+        auto* const work = tests::exportOf<Work>(modules.back(), "work");
         for (int i = 0; i < kThreads / 2; ++i) {
             threads.emplace_back(work, &tally);
         }
