@@ -18,8 +18,8 @@ struct Object : IRegisteredObject {
 
 }  // namespace
 
-// Calls everything once; counts the destroyed objects in `destroyed`. Answers whether all went
-// as it should.
+// Calls everything once; counts the destroyed objects in `destroyed`. Returns whether all went as
+// it should.
 extern "C" __declspec(dllexport) bool useLibrary(long* destroyed) {
     destroyedObjects = destroyed;
     const auto factory = []() -> IRegisteredObject* { return new Object; };
@@ -40,3 +40,5 @@ extern "C" __declspec(dllexport) bool useLibrary(long* destroyed) {
 extern "C" __declspec(dllexport) void leaveObjectBehind() {
     registerObject("left behind", []() -> IRegisteredObject* { return new Object; });
 }
+
+extern "C" __declspec(dllexport) unsigned short drawNumber() { return randomNumber(); }

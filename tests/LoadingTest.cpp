@@ -3,9 +3,18 @@
 
 #include <windows.h>
 
-#include <cstring>
+#include <sys/timeb.h>
 
+#include <cstdlib>
+#include <set>
+#include <vector>
+
+#include "support/HeapBlocks.h"
+#include "support/ImportPatch.h"
+#include "support/ModuleExport.h"
 #include "support/ProcessFigures.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 
 namespace {
 
@@ -25,10 +34,7 @@ class LoadedModule {
 
     template <typename Function>
     Function* find(const char* name) const {
-        const FARPROC address = GetProcAddress(module, name);
-        Function* function = nullptr;
-        std::memcpy(&function, &address, sizeof(function));
-        return function;
+        return tests::exportOf<Function>(module, name);
     }
 
  private:
@@ -36,7 +42,7 @@ class LoadedModule {
     HMODULE module;
 };
 
-TEST(Loading, TwoThousandCyclesLeaveTheProcessAsItWas) {
+TEST(Loading, ManyCyclesLeaveTheProcessAsItWas) {
     long destroyed = 0;
     const auto cycle = [&](int count) {
         for (int i = 0; i < count; ++i) {
@@ -44,12 +50,15 @@ TEST(Loading, TwoThousandCyclesLeaveTheProcessAsItWas) {
             ASSERT_TRUE(module.find<bool(long*)>("useLibrary")(&destroyed));
         }
     };
-    cycle(50);
+    constexpr int kCycles = 100;
+    cycle(20);
     const std::size_t handles = tests::handleCount();
     const DWORD tlsIndex = tests::nextTlsIndex();
     const std::size_t committed = tests::committedBytes();
-    cycle(2000);
-    EXPECT_EQ(destroyed, 2050);
+    const std::size_t blocks = tests::heapBlocks();
+    cycle(kCycles);
+    EXPECT_LT(tests::heapBlocks(), blocks + kCycles);
+    EXPECT_EQ(destroyed, 20 + kCycles);
     EXPECT_EQ(tests::handleCount(), handles);
     EXPECT_EQ(tests::nextTlsIndex(), tlsIndex);
     EXPECT_LE(tests::committedBytes(), committed + 65'536);
@@ -63,6 +72,54 @@ TEST(Loading, UnloadingLeavesRegisteredObjectsAlone) {
         module.find<void()>("leaveObjectBehind")();
     }
     EXPECT_EQ(destroyed, 1);
+}
+
+unsigned millisecondsNow() {
+    __timeb64 now{};
+    _ftime64_s(&now);
+    return now.millitm;
+}
+
+// The program and the library share the runtime's rand(), whose state belongs to the thread.
+TEST(Loading, EachLoadSeedsWithTheMillisecondsOfTheClock) {
+    std::set<unsigned> seeds;
+    while (seeds.size() < 5) {
+        const unsigned before = millisecondsNow();
+        const LoadedModule module;
+        const unsigned after = millisecondsNow();
+        auto* const draw = module.find<unsigned short()>("drawNumber");
+        const int drawn[] = {draw(), draw() - 1, draw() - 2};  // less the counter
+        unsigned seed = before;
+        const auto isSeed = [&] {
+            std::srand(seed);
+            return std::rand() == drawn[0] && std::rand() == drawn[1] && std::rand() == drawn[2];
+        };
+        while (!isSeed() && seed != after) {
+            seed = (seed + 1) % 1000;
+        }
+        ASSERT_TRUE(isSeed()) << "drawn from none of " << before << " to " << after;
+        seeds.insert(seed);
+    }
+}
+
+std::vector<HMODULE> quietModules;
+
+BOOL WINAPI recordQuietModule(HMODULE module) {
+    quietModules.push_back(module);
+    return FALSE;  // as Windows answers for a module with a thread storage directory
+}
+
+TEST(Loading, ProcessAttachAloneTurnsThreadNotificationsOff) {
+    const tests::ImportPatch patch("DisableThreadLibraryCalls",
+                                   reinterpret_cast<void*>(&recordQuietModule));
+    const HMODULE self = GetModuleHandleW(nullptr);
+    quietModules.clear();
+    for (const DWORD reason : std::initializer_list<DWORD>{
+             DLL_THREAD_ATTACH, DLL_THREAD_DETACH, DLL_PROCESS_DETACH, DLL_PROCESS_ATTACH}) {
+        EXPECT_TRUE(quietModules.empty()) << reason;
+        EXPECT_TRUE(DllMain(self, reason, nullptr));
+    }
+    EXPECT_EQ(quietModules, std::vector{self});
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "LoggingPlugin.h"
 #include "logging/LogManager.h"
+#include "logging/LogMessage.h"
 
 namespace {
 
@@ -13,8 +14,11 @@ struct LastWords final : LogSinkProvider {
 
 }  // namespace
 
-extern "C" __declspec(dllexport) void logInModule(const wchar_t* plugin, const char* text) {
-    registerSinkProvider(std::make_unique<LastWords>());
-    loadPluginLibrary(plugin);
-    log(getChannel("c"), 1, text);
+extern "C" __declspec(dllexport) void logInModule(const wchar_t* plugin, std::uint32_t level,
+                                                  const char* text) {
+    if (plugin != nullptr) {
+        registerSinkProvider(std::make_unique<LastWords>());
+        loadPluginLibrary(plugin);
+    }
+    LogMessage(getChannel("c"), level) << text;
 }

@@ -17,27 +17,26 @@
 #include "logging/ProviderRegistry.h"
 #include "support/Allocations.h"
 #include "support/ImportPatch.h"
+#include "support/ModuleExport.h"
 
 namespace {
 
 using namespace Quend::Framework::Logging;
 
 const wchar_t* const kPlugin = L"LoggingPlugin.dll";
+const wchar_t* const kModule = L"LoggingModule.dll";
 std::string& events = *new std::string;  // not destroyed: plug-ins may end later
 
 void record(const char* event) { events.append(event).append(" "); }
 
-template <typename Function>
-Function* findIn(HMODULE module, const char* name) {
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-}
+std::string takeEvents() { return std::exchange(events, {}); }
 
 // Keeps the plug-in loaded while it is being prepared.
 class PreparedPlugin {
  public:
-    explicit PreparedPlugin(EntryPoint behaviour, Report report = record)
+    explicit PreparedPlugin(Report report, bool isRefusing = false)
         : module(LoadLibraryW(kPlugin)) {
-        findIn<PreparePlugin>(module, "preparePlugin")(report, behaviour);
+        tests::exportOf<PreparePlugin>(module, "preparePlugin")(report, isRefusing);
     }
     ~PreparedPlugin() { FreeLibrary(module); }
     PreparedPlugin(const PreparedPlugin&) = delete;
@@ -49,65 +48,53 @@ class PreparedPlugin {
 
 TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
     struct Row {
-        EntryPoint behaviour;
         const wchar_t* path;
         const char* error;
+        int code;
     };
-    const std::string failed = "The entry point of the plug-in library failed: ";
-    for (const auto& [behaviour, path, error] :
-         {Row{EntryPoint::kReturnsNull, kPlugin, "it returned no provider"},
-          Row{EntryPoint::kThrows, kPlugin, "no sinks today"},
-          Row{EntryPoint::kThrowsAnInteger, kPlugin, "an exception of an unknown type"},
-          Row{EntryPoint::kProvides, L"LoggingModule.dll", nullptr}}) {
+    for (const auto& [path, error, code] :
+         {Row{kPlugin, "The entry point of the plug-in library returned no provider", 0},
+          Row{kModule, "The plug-in library has no entry point createLogSinkProvider", 0},
+          Row{L"no such \u00e9.dll", "Cannot load the plug-in library no such ?.dll",
+              ERROR_MOD_NOT_FOUND}}) {
         LogManager manager;
-        auto prepared = std::make_unique<PreparedPlugin>(behaviour);
-        events.clear();
-        try {
-            manager.loadPluginLibrary(path);
-            ADD_FAILURE();
-        } catch (const std::runtime_error& caught) {
-            EXPECT_EQ(caught.what(),
-                      error != nullptr
-                          ? failed + error
-                          : "The plug-in library has no entry point createLogSinkProvider");
+        {
+            const PreparedPlugin prepared(record, true);
+            try {
+                manager.loadPluginLibrary(path);
+                ADD_FAILURE();
+            } catch (const std::runtime_error& caught) {
+                EXPECT_EQ(std::string(caught.what()).find(error), 0U) << caught.what();
+                const auto* refusal = dynamic_cast<const std::system_error*>(&caught);
+                EXPECT_EQ(refusal != nullptr ? refusal->code().value() : 0, code);
+            }
         }
         EXPECT_TRUE(providerRegistry.empty());
-        prepared.reset();
         EXPECT_EQ(GetModuleHandleW(path), nullptr);
-        EXPECT_EQ(events, "gone ");
+        EXPECT_EQ(takeEvents(), "gone ");
         std::thread([&] { manager.getChannel("c"); }).join();  // the lock is free
-    }
-    try {
-        LogManager().loadPluginLibrary(L"no such \u00e9.dll");
-        ADD_FAILURE();
-    } catch (const std::system_error& caught) {
-        EXPECT_EQ(caught.code().value(), ERROR_MOD_NOT_FOUND);
-        EXPECT_EQ(std::string(caught.what()).find("Cannot load the plug-in library no such ?.dll"),
-                  0U);
     }
 }
 
 TEST(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
+    ProviderRegistry().swap(providerRegistry);  // which keeps its room
     tests::failEachAllocation([](long, auto fail) {
         {
             LogManager manager;
-            const PreparedPlugin plugin(EntryPoint::kProvides, [](const char*) {});
-            const bool failed = fail([&] {
-                try {
-                    manager.loadPluginLibrary(kPlugin);
-                } catch (const std::runtime_error& error) {  // made of the plug-in's bad_alloc
-                    throw std::bad_alloc();
-                }
-            });
+            const bool failed = [&] {
+                const PreparedPlugin plugin([](const char*) {});
+                return fail([&] { manager.loadPluginLibrary(kPlugin); });
+            }();
             EXPECT_EQ(providerRegistry.size(), failed ? 0U : 1U);
+            EXPECT_EQ(GetModuleHandleW(kPlugin) == nullptr, failed);
         }
-        ProviderRegistry().swap(providerRegistry);  // which keeps its room
+        ProviderRegistry().swap(providerRegistry);
         EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
         return 0L;
     });
 }
 
-BOOL (*WINAPI originalFreeLibrary)(HMODULE) = nullptr;
+BOOL(WINAPI* originalFreeLibrary)(HMODULE) = nullptr;
 
 BOOL WINAPI recordingFreeLibrary(HMODULE module) {
     record("FreeLibrary");
@@ -118,32 +105,32 @@ TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
     {
         LogManager manager;
         {
-            const PreparedPlugin plugin(EntryPoint::kProvides);
+            const PreparedPlugin plugin(record);
             manager.loadPluginLibrary(kPlugin);
         }
         manager.log(manager.getChannel("c"), 1, "text");
-        EXPECT_EQ(std::exchange(events, {}), "text ");
+        EXPECT_EQ(takeEvents(), "text ");
         const tests::ImportPatch patch("FreeLibrary",
                                        reinterpret_cast<void*>(&recordingFreeLibrary));
         originalFreeLibrary = patch.original<BOOL WINAPI(HMODULE)>();
         manager.shutdownLogging();
         // Released where it is due; but its code stays until the last sink is gone.
-        EXPECT_EQ(std::exchange(events, {}), "~provider FreeLibrary release FreeLibrary gone ");
+        EXPECT_EQ(takeEvents(), "~provider FreeLibrary release FreeLibrary gone ");
     }
-    EXPECT_EQ(events, "");
+    EXPECT_EQ(takeEvents(), "");
 }
 
 HMODULE logInLoadedModule(Report report, const char* text) {
-    const HMODULE module = LoadLibraryW(L"LoggingModule.dll");
-    const PreparedPlugin plugin(EntryPoint::kProvides, report);
-    findIn<LogInModule>(module, "logInModule")(kPlugin, text);
+    const HMODULE module = LoadLibraryW(kModule);
+    const PreparedPlugin plugin(report);
+    tests::exportOf<LogInModule>(module, "logInModule")(kPlugin, 1, text);
     return module;
 }
 
 TEST(LoggingPlugin, UnloadingTheWholeModuleEndsItsPluginsOnce) {
     EXPECT_TRUE(FreeLibrary(logInLoadedModule(record, "text")));
-    EXPECT_EQ(events, "text ~provider release gone ");
-    EXPECT_EQ(GetModuleHandleW(L"LoggingModule.dll"), nullptr);
+    EXPECT_EQ(takeEvents(), "text ~provider release gone ");
+    EXPECT_EQ(GetModuleHandleW(kModule), nullptr);
     EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
 }
 
@@ -168,9 +155,10 @@ TEST(LoggingPluginDeathTest, ProcessExitDoesNotWaitForAThreadStoppedInASink) {
     EXPECT_EXIT(exitWithModuleLoaded("block", true), testing::ExitedWithCode(7), "^block gone $");
 }
 
+using Getenv = errno_t(std::size_t*, wchar_t*, std::size_t, const wchar_t*);
+Getenv* originalGetenv = nullptr;
 int environmentReads = 0;
 int failingRead = 0;
-errno_t (*originalGetenv)(std::size_t*, wchar_t*, std::size_t, const wchar_t*) = nullptr;
 
 // Asked for the size alone, Windows does not call that an error, other than Wine.
 errno_t countingGetenv(std::size_t* size, wchar_t* buffer, std::size_t room, const wchar_t* name) {
@@ -178,9 +166,9 @@ errno_t countingGetenv(std::size_t* size, wchar_t* buffer, std::size_t room, con
     return ++environmentReads == failingRead ? EINVAL : room == 0 ? 0 : error;
 }
 
-TEST(LoggingEnvironment, DebugStringIsReadOnceAtTheFirstMessage) {
+TEST(LoggingEnvironment, DebugStringIsRead) {
     const tests::ImportPatch patch("_wgetenv_s", reinterpret_cast<void*>(&countingGetenv));
-    originalGetenv = patch.original<errno_t(std::size_t*, wchar_t*, std::size_t, const wchar_t*)>();
+    originalGetenv = patch.original<Getenv>();
     struct Row {
         const wchar_t* value;
         int failing;
@@ -196,16 +184,28 @@ TEST(LoggingEnvironment, DebugStringIsReadOnceAtTheFirstMessage) {
         std::wstring setting;
         EXPECT_EQ(readDebugString(setting), isRequested);
         EXPECT_EQ(environmentReads, reads);
-        if (isRequested) {
-            EXPECT_EQ(setting, value);
-        }
+        EXPECT_EQ(isRequested ? setting : value, value);
     }
-    environmentReads = 0;
-    auto* const handle = getChannel("c");
-    EXPECT_EQ(environmentReads, 0);
-    log(handle, 1, "first");
-    log(handle, 1, "second");
-    EXPECT_EQ(environmentReads, 2);
+    _wputenv_s(L"QUEND_OUTPUT_DEBUG_STRING", L"");
+}
+
+TEST(LoggingEnvironment, OnlyTheFirstLoggedMessageReadsTheDebugString) {
+    const HMODULE module = LoadLibraryW(kModule);
+    {
+        const tests::ImportPatch patch("_wgetenv_s", reinterpret_cast<void*>(&countingGetenv),
+                                       module);
+        originalGetenv = patch.original<Getenv>();
+        failingRead = 0;
+        auto* const logInModule = tests::exportOf<LogInModule>(module, "logInModule");
+        environmentReads = 0;
+        logInModule(nullptr, 0, "not logged");
+        EXPECT_EQ(environmentReads, 0);
+        logInModule(nullptr, 1, "the first");
+        EXPECT_EQ(environmentReads, 1);  // it is not there
+        logInModule(nullptr, 1, "the second");
+        EXPECT_EQ(environmentReads, 1);
+    }
+    FreeLibrary(module);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <cstring>
-#include <stdexcept>
 
 #include "logging/LogSink.h"
 
@@ -12,7 +11,7 @@ namespace {
 using namespace Quend::Framework::Logging;
 
 Report reportTo = nullptr;
-EntryPoint entryPoint = EntryPoint::kProvides;
+bool refuses = false;
 
 struct Sink final : LogSink {
     virtual ~Sink() = default;
@@ -35,22 +34,13 @@ struct Provider final : LogSinkProvider {
 
 }  // namespace
 
-extern "C" __declspec(dllexport) void preparePlugin(Report report, EntryPoint behaviour) {
+extern "C" __declspec(dllexport) void preparePlugin(Report report, bool isRefusing) {
     reportTo = report;
-    entryPoint = behaviour;
+    refuses = isRefusing;
 }
 
 extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider() {
-    switch (entryPoint) {
-        case EntryPoint::kReturnsNull:
-            return nullptr;
-        case EntryPoint::kThrows:
-            throw std::runtime_error("no sinks today");
-        case EntryPoint::kThrowsAnInteger:
-            throw 7;
-        default:
-            return new Provider;
-    }
+    return refuses ? nullptr : new Provider;
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {

@@ -1,8 +1,8 @@
 #include <windows.h>
 
-// The library keeps nothing per thread, so it asks not to be told of threads. The answer of
-// DisableThreadLibraryCalls is not an error: it refuses a module that holds a TLS directory,
-// and then the notifications arrive and are ignored.
+// The library keeps nothing per thread, so it asks Windows not to report threads. The result is not
+// an error: Windows refuses a module that has a thread storage directory, and every DLL built by
+// MinGW has one, since its start-up code (dllcrt2.o) pulls it in. The reports are ignored then.
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved*/) {
     if (reason == DLL_PROCESS_ATTACH) {
         DisableThreadLibraryCalls(module);

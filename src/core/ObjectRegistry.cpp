@@ -1,6 +1,6 @@
-// Invariant, outside of calls: a name is in the table exactly while its reference count is at
-// least 1. The lock is held from the first look at the table to the last, also while factories
-// and destructors run.
+// Invariant between calls: a name is in the table exactly while its reference count is at least 1.
+// Each call holds the lock from its first look at the table to its last, also while a factory or a
+// destructor runs.
 #include "core/ObjectRegistry.h"
 
 #include <memory>
@@ -14,7 +14,7 @@ IRegisteredObject* ObjectRegistry::registerObject(const char* name, Factory fact
 
     const auto found = objectTable.find(std::string_view(name));
     if (found != objectTable.end()) {
-        // Counted before the object is looked at, so a name held with null counts it too.
+        // Counted before the object is looked at: a name held with null counts it as well.
         ++found->second->referenceCount;
         if (found->second->object != nullptr) {
             return found->second->object;
@@ -25,8 +25,8 @@ IRegisteredObject* ObjectRegistry::registerObject(const char* name, Factory fact
     created->object = factory();
     created->referenceCount = 1;
 
-    // From here on the entry is given away: an object that its factory has handed out is never
-    // taken back, neither when recording it fails nor when the name is held already, with null.
+    // The entry is not owned any more: its object may be in use already, so it is never destroyed
+    // here, neither when recording it fails nor when the name is held with null.
     ObjectEntry* const entry = created.release();
     objectTable.emplace(name, entry);
     return entry->object;

@@ -1,5 +1,5 @@
 /// \file
-// The table behind registerObject, findObject and unregisterObject, whose contract stands in
+/// The table behind registerObject, findObject and unregisterObject; their contract is in
 /// <Quend/Framework/MemoryManager.h>.
 #pragma once
 
@@ -31,13 +31,12 @@ class ObjectRegistry {
     /// std::less<> finds a `const char*` without making a std::string of it first.
     using ObjectTable = std::map<std::string, ObjectEntry*, std::less<>>;
 
-    /// The table owns its entries, but its destructor leaves them and their objects alone.
+    /// Owns its entries, but at unload they and their objects are left alone.
     ObjectTable objectTable;        // guarded by objectTableMutex
     CheckedMutex objectTableMutex;  // declared last: destroyed first
 };
 
-/// The one that the exported functions use. Its place in the load order is fixed in
-/// StaticInitialisation.cpp.
+/// The process-wide one, defined in StaticInitialisation.cpp.
 extern ObjectRegistry objectRegistry;
 
 }  // namespace Quend::Framework::Management::MemoryManager

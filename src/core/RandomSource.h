@@ -1,5 +1,5 @@
 /// \file
-// What stands behind randomNumber(), whose contract is in <Quend/Framework/Framework.h>.
+/// The state behind randomNumber(), whose contract is in <Quend/Framework/Framework.h>.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,12 @@
 
 namespace Quend::Framework::Framework {
 
-/// The calls of randomNumber made so far, modulo 2^32. Guarded by randomMutex, as is rand().
+/// The number of randomNumber calls so far, modulo 2^32. Guarded by randomMutex, as is rand().
 extern std::uint32_t randomCallCounter;
 extern std::mutex randomMutex;
 
-/// Seeds rand() for the calling thread with the milliseconds of the current second, 0 to 999,
-/// and nothing else: there are exactly a thousand seeds.
+/// Seeds rand() for the calling thread with the milliseconds of the current second. There are
+/// exactly a thousand seeds, by design.
 void seedRandomSource();
 
 }  // namespace Quend::Framework::Framework

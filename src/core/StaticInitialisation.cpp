@@ -1,8 +1,8 @@
-// Every global of the library that is constructed at load, in the order in which that happens;
-// at unload they are destroyed in the reverse order. Across source files the language fixes no
-// order, so they all stand here, and this is the one file that knows several subsystems.
+// All globals that are constructed at load, in this order; at unload they are destroyed in reverse.
+// The language fixes no order across source files, so they are all defined here, and only this file
+// knows several subsystems.
 //
-// The property store is not among them: it is made on first use and therefore destroyed first.
+// The property store is not here: it is created on first use and therefore destroyed first.
 #include <cstddef>
 #include <new>
 
@@ -30,9 +30,8 @@ std::mutex randomMutex;
 
 namespace Logging {
 
-// These two are placed into memory that is never given back, and ended by an object of their
-// own: the manager stays whole when its lock cannot be had, and looks into the registry when
-// that has been emptied already.
+// Both live in memory that is never freed. Another object ends each of them at unload: the manager
+// only if its lock is free, the registry by emptying it, as the manager still reads it afterwards.
 namespace {
 alignas(LogManager) std::byte managerMemory[sizeof(LogManager)];
 alignas(ProviderRegistry) std::byte registryMemory[sizeof(ProviderRegistry)];

@@ -38,19 +38,11 @@ std::unique_ptr<LogSinkProvider> PluginLibrary::createProvider() const {
     if (create == nullptr) {
         throw std::runtime_error("The plug-in library has no entry point createLogSinkProvider");
     }
-    std::string reason = "it returned no provider";
-    try {
-        std::unique_ptr<LogSinkProvider> provider(create());
-        if (provider != nullptr) {
-            return provider;
-        }
-    } catch (const std::exception& error) {
-        reason = error.what();
-    } catch (...) {
-        reason = "an exception of an unknown type";
+    std::unique_ptr<LogSinkProvider> provider(create());
+    if (provider == nullptr) {
+        throw std::runtime_error("The entry point of the plug-in library returned no provider");
     }
-    // Outside of the handlers: the plug-in's exception object is gone before its module is.
-    throw std::runtime_error("The entry point of the plug-in library failed: " + reason);
+    return provider;
 }
 
 }  // namespace Quend::Framework::Logging

@@ -35,8 +35,8 @@ bool PropertyManagerImpl::hasProperty(const std::wstring& name) const {
 }
 
 void PropertyManagerImpl::setProperty(const std::wstring& name, const std::wstring& value) {
-    // The old entry leaves the store first, so that a failure below leaves the property absent,
-    // but it lives until the new one is made: `name` and `value` may refer into it.
+    // The old entry leaves the store first, so that a failure leaves the property absent. It is
+    // destroyed last, since `name` and `value` may refer into it.
     const auto replaced = properties.extract(name);
     properties.emplace(name, value);
 }

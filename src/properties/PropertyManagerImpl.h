@@ -1,5 +1,5 @@
 /// \file
-// The property store itself. Its contract stands in <Quend/Framework/PropertyManager.h>.
+/// The property store. Its contract is in <Quend/Framework/PropertyManager.h>.
 #pragma once
 
 #include <map>

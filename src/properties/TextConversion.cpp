@@ -1,6 +1,6 @@
-// The runtime's functions report through the count they store; their error code is not looked
-// at. Some store 0 for text that cannot be converted, some the largest size value. What they
-// leave in the buffer behind the terminator is anything, so it is cut off.
+// Only the count that the runtime's functions store is used, not their error code. For text that
+// cannot be converted, some runtimes store 0 and some the largest size value. Behind the terminator
+// they may leave anything in the buffer.
 #include "properties/TextConversion.h"
 
 #include <cstdint>
@@ -12,10 +12,10 @@
 namespace Quend::Framework::Text {
 namespace {
 
-// No code unit becomes more bytes than this in any encoding of the runtime.
+// The most bytes that one code unit takes in any encoding of the runtime.
 constexpr std::size_t kMaxBytesPerUnit = 4;
 
-// Of what was converted, terminator included; 0 for a failure.
+// With the terminator; 0 after a failure.
 std::size_t usableSize(std::size_t converted) { return converted == SIZE_MAX ? 0 : converted; }
 
 }  // namespace
@@ -43,7 +43,7 @@ std::wstring stringToWstring(const std::string& text) {
     std::size_t converted = 0;
     mbstowcs_s(&converted, result.data(), result.size(), text.c_str(), size);
     if (usableSize(converted) == 0) {
-        // The text that callers know; standard libraries word a failed resize differently.
+        // Callers know this text; standard libraries word a failed resize differently.
         throw std::length_error("string too long");
     }
     result.resize(converted - 1);

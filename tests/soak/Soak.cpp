@@ -8,10 +8,10 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <thread>
 #include <vector>
 
+#include "support/ModuleExport.h"
 #include "support/ProcessFigures.h"
 
 namespace {
@@ -23,9 +23,7 @@ void runRound(Tally& tally) {
     const wchar_t* const names[] = {L"SoakClient.dll", L"SoakLogger.dll"};
     std::vector<std::thread> threads;
     for (const wchar_t* const name : names) {
-        const FARPROC address = GetProcAddress(LoadLibraryW(name), "work");
-        Work* work = nullptr;
-        std::memcpy(&work, &address, sizeof(work));
+        auto* const work = tests::exportOf<Work>(LoadLibraryW(name), "work");
         threads.emplace_back(work, &tally);
         threads.emplace_back(work, &tally);
     }

@@ -1,12 +1,11 @@
 /// \file
-// The errors that the library's components report themselves: one text, and a class to catch.
+/// The exceptions that the library's own components throw: a class and a text.
 ///
-/// The family deliberately stands apart from std::exception, so that a handler for one never
-/// takes the other by accident. It is wholly inline: a client catches by type what the DLL
-/// threw, also after the text was copied.
+/// They do not derive from std::exception, so that a handler for one family never takes the other
+/// by accident. They are wholly inline, so that a client catches by type what the DLL threw.
 ///
-/// Threading: as for any value; distinct objects are independent of each other.
-/// Every constructor may throw std::bad_alloc, and then nothing is left half-built.
+/// Throws: every constructor may throw std::bad_alloc.
+/// Threading: distinct objects are independent.
 #pragma once
 
 #include <memory>
@@ -16,19 +15,20 @@ namespace Quend {
 namespace Framework {
 namespace Exceptions {
 
-/// Catches the whole family. Each copy owns its own text. Never assigned, never empty-handed:
-/// there is no move, so that getMessage() always has a text to return.
+/// The base of the family. Each copy owns its text. There is no move and no assignment, so that
+/// getMessage() always has a text to return.
 class FrameworkException {
  public:
     FrameworkException() : message(new std::string()) {}
-    /// Copies the zero-terminated `text`, which must not be null.
+    /// Copies the zero-terminated `text`.
+    /// Requires: `text` is not null.
     explicit FrameworkException(const char* text) : message(new std::string(text)) {}
     FrameworkException(const FrameworkException& other)
         : message(new std::string(*other.message)) {}
     virtual ~FrameworkException() = default;
     FrameworkException& operator=(const FrameworkException&) = delete;
 
-    /// Narrow text in the process's multibyte encoding; valid as long as this object.
+    /// The text, in the process's multibyte encoding; valid as long as this object.
     const std::string& getMessage() const noexcept { return *message; }
 
  private:

@@ -1,6 +1,8 @@
 /// \file
-// The services of the library that there is one of: the property store and the random source.
-/// The namespace repeats its name on purpose: this is the framework's own part of the framework.
+/// The process-wide services: the property store and the random source.
+///
+/// The namespace repeats its name on purpose: it is the framework's own part of the framework.
+/// Threading: any thread may call any function at any time.
 #pragma once
 
 #include <Quend/Framework/Export.h>
@@ -10,20 +12,19 @@ namespace Quend {
 namespace Framework {
 namespace Framework {
 
-/// The one property store: never null, the same object for as long as the library is loaded,
-/// made by the first call. Any thread may call, also for the first time. If making it throws
-/// (std::bad_alloc), the next call tries again. The library destroys it at unload; neither the
-/// store nor this function may be used after that.
+/// Returns the one property store, which the first call creates; never null, always the same.
+/// Throws: std::bad_alloc if the store cannot be created; the next call tries again.
+/// Ownership: the library destroys the store at unload. Do not use it, nor call this, after that.
 QUEND_FRAMEWORK_API Management::PropertyManager* propertyManager();
 
-/// A small pseudo-random number, 0 to 65535: the low 16 bits of the sum of the C runtime's
-/// rand() and the number of calls made before, by any thread. Any thread may call; throws
-/// std::system_error if the lock cannot be taken.
+/// Returns a small pseudo-random number, 0 to 65535.
 ///
-/// Not for secrets, nor for statistics: at load the source is seeded with the milliseconds of
-/// the current second, so there are a thousand sequences to guess from. The C runtime keeps
-/// rand()'s state for each thread, so only the thread that loaded the library draws from that
-/// seed; every other one draws from the runtime's default seed, or from its own srand().
+/// It is the low 16 bits of the C runtime's rand() plus the number of earlier calls by any thread.
+/// At load the library seeds rand() with the milliseconds of the current second, so there are only
+/// a thousand sequences: do not use it for secrets or statistics. The runtime keeps the state of
+/// rand() per thread: only the thread that loaded the library draws from that seed, others from
+/// the runtime's default seed or their own srand().
+/// Throws: std::system_error if the lock cannot be taken.
 QUEND_FRAMEWORK_API unsigned short randomNumber();
 
 }  // namespace Framework

@@ -1,13 +1,13 @@
 /// \file
-// Memory on one common heap, and objects shared by name between the modules of a process.
+/// Memory on one common heap, and objects that the modules of a process share by name.
 ///
-/// Threading: every function may be called from any thread at any time. One lock makes each
-/// call of registerObject, findObject and unregisterObject a single step; the memory functions
-/// take no lock, as the C runtime's heap needs none.
+/// The table of names starts empty at load. At unload the names are freed, but objects that are
+/// still registered are neither deleted nor destroyed: their code may be unloaded already.
 ///
-/// Lifetime: the table starts empty when the library is loaded. At unload the names are freed,
-/// but objects that are still registered are left alone: they are not deleted and no destructor
-/// of theirs runs, since the module that holds its code may be gone already.
+/// Threading: any thread may call any function at any time. registerObject, findObject and
+/// unregisterObject are atomic under one lock; the memory functions take none.
+/// Requires: names are zero-terminated and not null, which is not checked. They are copied, and
+/// compared byte by byte.
 #pragma once
 
 #include <cstdint>  // GCC and clang learn of __int64 from the C headers
@@ -19,18 +19,25 @@ namespace Framework {
 namespace Management {
 namespace MemoryManager {
 
-/// The C runtime's malloc, realloc and free on the library's heap, and nothing else: no books
-/// are kept, a size of zero is passed on as it stands, and a failed allocation gives null and
-/// throws nothing. `size` is in bytes. A block that changes hands between modules is obtained
-/// and given back here, whichever module does either.
+/// Allocates `size` bytes: malloc of the library's C runtime and nothing else.
+///
+/// Memory that one module hands to another is allocated and freed with these three functions, so
+/// that both use one heap. No bookkeeping, no exceptions; a size of zero is passed on unchanged.
+/// On failure: returns null.
 QUEND_FRAMEWORK_API void* allocate(unsigned __int64 size);
+
+/// Changes the size of `p`, which may be null: realloc of the same heap.
+/// On failure: returns null, and `p` is still allocated.
 QUEND_FRAMEWORK_API void* reallocate(void* p, unsigned __int64 size);
+
+/// Frees `p`, which may be null: free of the same heap.
 QUEND_FRAMEWORK_API void deallocate(void* p);
 
-/// The base of everything the registry holds. The registry destroys an object with an ordinary
-/// delete through this destructor, so a factory makes it with plain new. The destructor runs
-/// under the registry's lock; the rule for callbacks at registerObject holds for it too, and
-/// since destructors do not throw, one that calls back must catch the std::system_error itself.
+/// The base of all registered objects. The registry destroys an object with an ordinary delete, so
+/// a factory creates it with plain new.
+///
+/// The destructor runs under the registry's lock and must not throw. A call from it back into the
+/// registry throws std::system_error, which it must catch.
 class QUEND_FRAMEWORK_API IRegisteredObject {
  public:
     IRegisteredObject();
@@ -39,38 +46,31 @@ class QUEND_FRAMEWORK_API IRegisteredObject {
     IRegisteredObject& operator=(const IRegisteredObject& other);
 };
 
-/// Takes one reference on `name` and returns its object. The first caller's `factory` makes the
-/// object; while that object is registered, later factories are not called.
+/// Takes one reference on `name` and returns its object, which `factory` creates if there is none.
 ///
-/// Each call is matched by one unregisterObject(name); the object belongs to the registry and
-/// stays valid until the last of those. Names are compared byte by byte, exactly, and copied;
-/// `name` is zero-terminated and must not be null, which is not checked.
+/// `factory` runs under the lock. A call from it back into the registry throws std::system_error
+/// (std::errc::resource_deadlock_would_occur) there and changes nothing.
 ///
-/// `factory` runs under the registry's lock. A call from it back into the registry on the same
-/// thread raises std::system_error (std::errc::resource_deadlock_would_occur) in that inner
-/// call and changes nothing.
+/// If `factory` returns null, the name is held without an object. Each further call for such a name
+/// counts a reference, calls its own factory and returns what that creates, but does not record it:
+/// the caller keeps that object. The reference counts even if the call throws; one more
+/// unregisterObject gives it back.
 ///
-/// A factory may return null. The name is then held with a null object, which findObject cannot
-/// tell from an unknown name. A further registerObject of it counts one more reference, calls
-/// its own factory and returns what that makes, but the name keeps its null object: the new one
-/// is never recorded, and the caller remains responsible for it.
-///
-/// Errors: what `factory` throws passes through and nothing is recorded. std::bad_alloc, when
-/// memory runs out before the factory has run, records nothing either; after it has run, the
-/// object stays allocated but unrecorded, for the registry cannot know who else uses it. In all
-/// three cases a reference on a name that is held with a null object has been counted already
-/// and stays counted. The lock is free after every failure; std::system_error reports that it
-/// could not be taken, before anything was changed.
+/// Throws: what `factory` throws; std::bad_alloc; std::system_error if the lock cannot be taken.
+/// Ownership: the registry owns the object until the last unregisterObject(name).
+/// On failure: nothing is recorded and the lock is free. If memory runs out after `factory` has
+/// run, its object stays allocated, since it may be in use.
 QUEND_FRAMEWORK_API IRegisteredObject* registerObject(const char* name,
                                                       IRegisteredObject* (*factory)());
 
-/// The object registered under `name`, or null. Takes no reference: the pointer is good for as
-/// long as the caller knows that somebody else holds one. Throws std::system_error alone.
+/// Returns the object registered under `name`, or null. Takes no reference.
+/// Throws: std::system_error if the lock cannot be taken.
+/// Requires: while the pointer is used, somebody holds a reference.
 QUEND_FRAMEWORK_API IRegisteredObject* findObject(const char* name);
 
-/// Gives back one reference on `name`. The last one deletes the object, under the lock, and
-/// then forgets the name. A name that is not registered is ignored. Throws std::system_error
-/// alone, before anything was changed.
+/// Gives back one reference on `name`. The last one deletes the object, under the lock, then the
+/// name. An unknown name is ignored.
+/// Throws: std::system_error if the lock cannot be taken; nothing has changed then.
 QUEND_FRAMEWORK_API void unregisterObject(const char* name);
 
 }  // namespace MemoryManager

@@ -1,13 +1,12 @@
 /// \file
-// The store of named text properties that the modules of a process share; propertyManager() in
-/// <Quend/Framework/Framework.h> gives the one there is. Names and values mean what the modules
-/// agree on; the library defines none.
+/// The store of named text properties that the modules of a process share; propertyManager() in
+/// <Quend/Framework/Framework.h> returns it. The library defines no property of its own.
 ///
-/// Threading: the store takes no lock. Any number of threads may read (readProperty,
-/// hasProperty) at the same time; setProperty and clearProperty must not overlap any other call.
+/// Names are compared exactly, code unit by code unit: case, accents and normalisation count, the
+/// empty name is a name, and a NUL is part of a name.
 ///
-/// Names are compared exactly, code unit by code unit: case, accents and normalisation are not
-/// folded, the empty name is a name, and a NUL inside a name is part of it.
+/// Threading: the store takes no lock. Any number of threads may call readProperty and hasProperty
+/// at the same time; setProperty and clearProperty must not overlap any other call.
 #pragma once
 
 #include <string>
@@ -18,34 +17,35 @@ namespace Quend {
 namespace Framework {
 namespace Management {
 
-/// Modules call the store through this class's virtual table alone, so the order of its virtual
-/// operations and their signatures are a binary interface: nothing is inserted, moved or changed.
+/// A binary interface: modules call the store through this virtual table. Never insert, move or
+/// change an operation.
 class QUEND_FRAMEWORK_API PropertyManager {
  public:
     PropertyManager();
     PropertyManager(const PropertyManager& other);
     PropertyManager& operator=(const PropertyManager& other);
 
-    /// The store belongs to the library. Modules never delete it.
+    /// The library destroys the store at unload; modules never delete it.
     virtual ~PropertyManager();
 
-    /// The value itself, not a copy: valid until `name` is set again or cleared, or the library
-    /// is unloaded. Throws Exceptions::UnexistentProperty, "Trying to read unexistent property: "
-    /// and the name, if there is none. The text is narrow; it is empty when any of it cannot be
-    /// converted in the process's locale, and ends at a NUL inside the name.
+    /// Returns a reference to the stored value, valid until `name` is set again or cleared, or the
+    /// library is unloaded.
+    /// Throws: Exceptions::UnexistentProperty, "Trying to read unexistent property: " and the name.
+    /// The message ends at a NUL in the name, and is empty if the process's locale cannot show it.
     virtual const std::wstring& readProperty(const std::wstring& name) const = 0;
 
-    /// Never throws.
+    /// Returns whether there is a property of this name. Never throws.
     virtual bool hasProperty(const std::wstring& name) const = 0;
 
-    /// Stores copies of both, replacing any value of that name: the old entry goes, a new one is
-    /// made, and references to the old value end with it. Both arguments may refer into the
-    /// store. Throws std::bad_alloc when memory runs out; the property is then absent, whatever
-    /// it was before, and no other is touched.
+    /// Stores copies of both, in place of any earlier value of that name; both may refer into the
+    /// store. References to the earlier value become invalid.
+    /// Throws: std::bad_alloc.
+    /// On failure: the property is absent, even if it existed before.
     virtual void setProperty(const std::wstring& name, const std::wstring& value) = 0;
 
-    /// Removes the entry. Throws Exceptions::UnexistentProperty, "Trying to clear an unexistent
-    /// property: " and the name, if there is none; the text as for readProperty.
+    /// Removes the property.
+    /// Throws: Exceptions::UnexistentProperty, "Trying to clear an unexistent property: " and the
+    /// name, as readProperty does.
     virtual void clearProperty(const std::wstring& name) = 0;
 };
 
