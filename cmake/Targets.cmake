@@ -17,7 +17,7 @@ add_library(QuendBuildSettings INTERFACE)
 target_compile_definitions(QuendBuildSettings INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
 if(MSVC)
   if(DEFINED CMAKE_MSVC_RUNTIME_LIBRARY AND NOT CMAKE_MSVC_RUNTIME_LIBRARY MATCHES "DLL$"
-      OR CMAKE_CXX_FLAGS MATCHES "[/-]MT")
+      OR CMAKE_CXX_FLAGS MATCHES "(^| )[/-]MTd?( |$)")
     message(FATAL_ERROR "The library needs the C runtime as a DLL (/MD or /MDd): it shares its heap "
       "with its clients, and turns thread notifications off, which the static runtime (/MT) relies on.")
   endif()
