@@ -38,15 +38,15 @@ int showLogging(const Arguments& arguments) {
     const std::string path = arguments.empty() ? "component.log" : arguments[0];
     _putenv_s("LOGFILE", path.c_str());
 
-    std::cout << "Without a plug-in nobody writes, and messages wait in the cache:\n";
+    std::cout << "Without a plug-in there is no sink, and messages wait in the cache:\n";
     const Counter early;
     early.countTo(3);
     std::cout << early.waiting() << " messages wait\n";
     early.countTo(200);
     std::cout << early.waiting() << " after 200 more: 101 messages and the marker\n";
 
-    std::cout << "A plug-in that is loaded now serves channels from their creation on; this one\n"
-                 "is older, and still writes nothing:\n";
+    std::cout
+        << "A plug-in that is loaded now serves new channels only; this one still has no sink.\n";
     Logging::loadPluginLibrary(L"SinkPlugin.dll");
     early.countTo(1);
 

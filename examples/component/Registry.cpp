@@ -12,8 +12,9 @@ namespace {
 
 using Quend::RegistryAccess::Registry;
 
-const char* const kDefaultKey = R"(HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT)";
-const Arguments kDefaultValues = {"ProductName", "CurrentVersion", "InstallDate"};
+const char* const kDefaultKey = R"(HKEY_CURRENT_USER\Environment)";
+const char* const kScratchKey = "QuendFrameworkExample";
+const Arguments kDefaultValues = {"TEMP", "TMP"};
 
 struct Root {
     const char* name;
@@ -35,6 +36,13 @@ const Root* findRoot(const std::string& path) {
     return found == std::end(kRoots) ? nullptr : found;
 }
 
+// The message alone: what() puts the class and the place before it.
+std::string messageOf(const Registry::GenericRegistryError& error) {
+    const std::string text = error.what();
+    const auto place = text.find("): ");
+    return place == std::string::npos ? text : text.substr(place + 3);
+}
+
 // What the locale cannot represent is read as NUL.
 template <typename Text>
 std::string printable(const Text& text) {
@@ -52,7 +60,7 @@ std::string describeValue(const Registry& key, const std::string& valueName) {
     try {
         return '"' + printable(key.getStringValue(valueName)) + '"';
     } catch (const Registry::GenericRegistryError& error) {
-        return error.what();
+        return messageOf(error);
     }
 }
 
@@ -66,17 +74,22 @@ void printTree(const Registry& key, const Arguments& valueNames, const std::stri
     }
     try {
         for (const Registry& subKey : key.getSubKeys()) {
+            if (subKey.getName().front() == '\0') {
+                // It is `key` itself, whose tree would never end.
+                std::cout << inner << "(a name that the locale cannot represent)\n";
+                continue;
+            }
             printTree(subKey, valueNames, inner);
         }
     } catch (const Registry::GenericRegistryError& error) {
-        std::cout << inner << error.what() << '\n';  // and on with the next key
+        std::cout << inner << messageOf(error) << '\n';  // and on with the next key
     }
 }
 
 void showScratchTree() {
     const Registry software(HKEY_CURRENT_USER, "Software");
-    const std::string name = "QuendFrameworkExample";
-    std::cout << "\nMaking a tree below HKEY_CURRENT_USER\\Software:\n";
+    const std::string name = kScratchKey;
+    std::cout << "Making a tree below HKEY_CURRENT_USER\\Software:\n";
     {
         const Registry scratch = software.createSubKey(name);
         const std::string greeting = "hello, registry";
@@ -89,13 +102,13 @@ void showScratchTree() {
         scratch.createSubKey("Shapes");
         printTree(scratch, {"Greeting", "Answer", "Mistake"}, "  ");
     }
-    std::cout << "Deleting it, then opening it once more:\n";
+    std::cout << "Deleting it, then opening it again:\n";
     software.deleteSubKey(name);
     try {
         software.openSubKey(name);
         std::cout << "  it is still there\n";
     } catch (const Registry::OpenError& error) {
-        std::cout << "  " << error.what() << '\n';
+        std::cout << "  " << name << ": " << messageOf(error) << '\n';
     }
 }
 
@@ -120,9 +133,15 @@ int showRegistry(const Arguments& arguments) {
                            backslash == std::string::npos ? "" : path.substr(backslash + 1));
         std::cout << "The tree of " << path << ":\n";
         printTree(key, valueNames);
+    } catch (const Registry::GenericRegistryError& error) {
+        std::cerr << path << ": " << messageOf(error) << '\n';
+        return 1;
+    }
+    try {
         showScratchTree();
     } catch (const Registry::GenericRegistryError& error) {
-        std::cerr << error.what() << '\n';
+        std::cerr << "HKEY_CURRENT_USER\\Software\\" << kScratchKey << ": " << messageOf(error)
+                  << '\n';
         return 1;
     }
     return 0;

@@ -1,5 +1,5 @@
-// What this program shows, a file each. All of them are users of the library's inner facilities,
-// which are not exported: the program is linked with the library's sources.
+// What this program shows, one file each. They use the library's inner facilities, which are not
+// exported: the program is linked with the library's sources.
 #pragma once
 
 #include <string>

@@ -8,15 +8,33 @@ namespace {
 
 struct Step {
     const char* name;
-    const char* usage;
+    const char* arguments;
+    const char* help;
     int (*show)(const Arguments&);
 };
 
 constexpr Step kSteps[] = {
-    {"logging", "[LOGFILE]", showLogging},
-    {"registry", "[KEY [VALUE...]]", showRegistry},
-    {"commands", "[COMMAND...]", showCommands},
+    {"logging", "[LOGFILE]",
+     "Logs before and after a plug-in with sinks is loaded: messages wait in a cache of 101, then\n"
+     "appear on the console and in LOGFILE (component.log).",
+     showLogging},
+    {"registry", "[KEY [VALUE...]]",
+     "Prints the tree below KEY of the Windows registry (HKCU\\Environment) with the VALUEs that\n"
+     "its keys have (TEMP, TMP). Then makes a small tree of its own below HKCU\\Software, prints "
+     "it\n"
+     "and deletes it.",
+     showRegistry},
+    {"commands", "[COMMAND...]",
+     "Runs each COMMAND through cmd.exe and shows what it wrote to its standard output.",
+     showCommands},
 };
+
+void printHelp(std::ostream& out) {
+    out << "Shows what the library's own components use.\n";
+    for (const Step& step : kSteps) {
+        out << "\ncomponent " << step.name << ' ' << step.arguments << '\n' << step.help << '\n';
+    }
+}
 
 }  // namespace
 
@@ -32,9 +50,7 @@ int main(int argc, char** argv) {
         std::cerr << "component: " << error.what() << '\n';
         return 1;
     }
-    std::cerr << "usage:\n";
-    for (const Step& step : kSteps) {
-        std::cerr << "  component " << step.name << ' ' << step.usage << '\n';
-    }
-    return 2;
+    const bool isAsked = name == "--help";
+    printHelp(isAsked ? std::cout : std::cerr);
+    return isAsked ? 0 : 2;
 }

@@ -50,4 +50,6 @@ MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsF
     return true;
 }
 
-MODULE_EXPORT void stopModule() { std::cout << "[counter] took no reference, so there is none to give back\n"; }
+MODULE_EXPORT void stopModule() {
+    std::cout << "[counter] took no reference, so there is none to give back\n";
+}

@@ -100,10 +100,11 @@ int main(int argc, char** argv) {
     std::cout << (isGone ? "host: every reference was given back\n"
                          : "host: a reference was kept\n");
     if (isDone && isGone) {
-        std::cout << "\nWhat you saw:\n"
-                     "- an object, shared by name, that outlived the module that created it\n"
-                     "- a block of memory that one module allocated, another grew, a third freed\n"
-                     "- settings of one module read by another, and a missing one as an exception\n";
+        std::cout
+            << "\nWhat you saw:\n"
+               "- an object, shared by name, that outlived the module that created it\n"
+               "- a block of memory that one module allocated, another grew, a third freed\n"
+               "- settings of one module read by another, and a missing one as an exception\n";
     }
     return isDone && isGone ? 0 : 1;
 }
