@@ -1,13 +1,15 @@
-// What the cases of one subsystem have in common: how one is registered, and how its cost is
-// taken. The same sources are built twice: with Google Benchmark, which measures time, and as
-// Instructions, which counts instructions under callgrind and needs neither it nor any peer.
-//
-// A case is called "group/subject". Cases of one group do the same work; the table is made of
-// their ratios. Subject "ours" is this library, "bare" the same without it.
+/// \file
+/// What the cases of all subsystems have in common. The same sources are built three times: for
+/// Windows and natively with the clock of Main.cpp, and natively as Instructions, which counts
+/// instructions under callgrind.
+///
+/// A case is called "group/subject", and the cases of one group do the same work. Subject "ours" is
+/// this library, "bare" is the same work done with the standard library or the platform alone.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <random>
 #include <string>
 #include <type_traits>
@@ -16,73 +18,92 @@
 
 #ifdef QUEND_COUNT_INSTRUCTIONS
 #include <valgrind/callgrind.h>
-#else
-#include <benchmark/benchmark.h>
 #endif
-
-// Stands behind a lambda's parameters: its body is called, not copied to where it is used.
-#define BENCH_OUT_OF_LINE __attribute__((noinline))
 
 namespace bench {
 
-// Calls `body` once, and has the compiler believe that somebody looks at what it returns.
+/// What scripts/bench asks the programs for: the table of ratios, or the curves.
+enum class Mode { table, growth };
+
+/// Cases that are measured together, in rounds that take turns: those that `add` adds, for each of
+/// the sizes anew. What they share lives as long as they do. Groups are made before main.
+struct Group {
+    Group(Mode ofMode, std::vector<std::size_t> ofSizes, void (*addCases)(std::size_t size));
+    Mode mode;
+    std::vector<std::size_t> sizes;
+    void (*add)(std::size_t size);
+    const Group* next;
+};
+
+/// The sizes of the curves.
+inline const std::vector<std::size_t> kNameCounts = {10, 100, 1'000, 10'000, 100'000, 1'000'000};
+inline const std::vector<std::size_t> kThreadCounts = {1, 2, 4, 8, 16};
+
+/// What runs a case so many times.
+using Loop = std::function<void(std::size_t calls)>;
+void addLoop(const std::string& name, const Loop& loop, std::size_t threads);
+/// The same with 8 threads, each call timed by itself: its 99th and 99.9th percentile.
+void addTailLoop(const std::string& name, const Loop& loop);
+
+/// Calls `body` `calls` times, and has the compiler believe that its results are looked at.
 template <typename Body>
-void run(Body& body) {
-    if constexpr (std::is_void_v<decltype(body())>) {
-        body();
-    } else {
-        auto result = body();
-        asm volatile("" : : "r,m"(result) : "memory");
-    }
+Loop loopOf(Body body) {
+    return [body](std::size_t calls) mutable {
+        for (; calls > 0; --calls) {
+            if constexpr (std::is_void_v<decltype(body())>) {
+                body();
+            } else {
+                [[maybe_unused]] const volatile auto kept = body();
+            }
+        }
+    };
 }
 
-// Registers one operation. Each thread works on its own copy of `body`; what that refers to must
-// outlive the program's cases, so it is made with plain new and left alone.
+/// Adds one operation. Each thread works on its own copy of `body`.
 template <typename Body>
-void addCase(const std::string& name, Body body, [[maybe_unused]] int threads = 1) {
+void addCase(const std::string& name, Body body, [[maybe_unused]] std::size_t threads = 1) {
 #ifdef QUEND_COUNT_INSTRUCTIONS
-    for (int i = 0; i < 200; ++i) {  // lazy binding, the first allocations
-        run(body);
-    }
+    const Loop loop = loopOf(body);
+    loop(200);  // lazy binding, the first allocations
     CALLGRIND_ZERO_STATS;
-    for (int i = 0; i < 2000; ++i) {
-        run(body);
-    }
+    loop(2000);
     CALLGRIND_DUMP_STATS_AT(name.c_str());
 #else
-    auto* const registered =
-        benchmark::RegisterBenchmark(name.c_str(), [body](benchmark::State& state) {
-            auto own = body;
-            for (auto _ : state) {
-                run(own);
-            }
-            state.SetItemsProcessed(state.iterations());
-        });
-    if (threads > 1) {
-        registered->Threads(threads)->UseRealTime();
-    }
+    addLoop(name, loopOf(body), threads);
 #endif
 }
 
-// The names of `count` entries, in an order that has nothing to do with that of the names. They
-// are short enough for a std::string to hold them in place.
-inline std::vector<std::string> shuffledNames(std::size_t count) {
-    std::vector<std::string> names;
+/// Calls `body` by its address, as a function of another module is called, and never inlines it.
+template <typename Body>
+auto byAddress(Body body) {
+    return [body, call = +[](Body& made) { return made(); }]() mutable { return call(body); };
+}
+
+/// The names of `count` entries, in an order that has nothing to do with that of the names. They
+/// are short enough for a std::string to hold them in place.
+template <typename String = std::string>
+std::vector<String> shuffledNames(std::size_t count) {
+    std::vector<String> names;
     names.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
-        const std::string digits = std::to_string(i);
-        names.push_back("name-" + std::string(7 - digits.size(), '0') + digits);
+        const std::string name = "name-" + std::to_string(10'000'000 + i);
+        names.emplace_back(name.begin(), name.end());
     }
     std::shuffle(names.begin(), names.end(),
                  std::mt19937(1));  // NOLINT(cert-msc51-cpp): repeatable
     return names;
 }
 
-// Goes round a list for ever, without a division.
+/// "name/size"
+inline std::string sized(const char* name, std::size_t size) {
+    return std::string(name).append("/").append(std::to_string(size));
+}
+
+/// Goes round a list for ever, without a division. The list must outlive it.
 template <typename T>
 class Round {
  public:
-    explicit Round(const std::vector<T>& list) : list(&list) {}
+    explicit Round(const std::vector<T>& all) : list(&all) {}
     const T& next() {
         if (++index >= list->size()) {
             index = 0;
@@ -94,13 +115,5 @@ class Round {
     const std::vector<T>* list;
     std::size_t index = 0;
 };
-
-// The cases of each file. The peers are other libraries that serve the same end.
-void addObjectRegistry();
-void addPropertyStore();
-void addRandomSource();
-void addLogging();
-void addPeers();
-void addGrowth();
 
 }  // namespace bench

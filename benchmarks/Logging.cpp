@@ -1,6 +1,9 @@
 // One sink, which only counts, on one channel. Bare: the same virtual call behind a plain
 // std::recursive_mutex; for LogMessage, with the text put together by std::to_chars before; for
-// the full cache, the lock and one comparison. Each is out of line.
+// the full cache, the lock and one comparison.
+//
+// The peer gets the same message with the same arguments, one sink that only counts under a
+// std::mutex, and formats no prefix. It stamps each message with the time and the thread.
 #include <charconv>
 #include <memory>
 #include <mutex>
@@ -11,10 +14,17 @@
 #include "logging/LogMessage.h"
 #include "logging/MessageCache.h"
 
+#ifdef QUEND_PEERS
+#include <spdlog/logger.h>
+#include <spdlog/sinks/base_sink.h>
+#endif
+
 namespace bench {
 namespace {
 
 using namespace Quend::Framework::Logging;
+
+constexpr const char* kText = "Reading all records";
 
 class CountingSink final : public LogSink {
  public:
@@ -32,37 +42,33 @@ class CountingProvider final : public LogSinkProvider {
     }
 };
 
+// The one provider of the program; the first call registers it.
+ChannelHandle countedChannel() {
+    static const bool isRegistered =
+        (registerSinkProvider(std::make_unique<CountingProvider>()), true);
+    return isRegistered ? getChannel("counted") : nullptr;
+}
+
 struct Bare {
+    Bare() = default;
+    ~Bare() { sink->release(); }
+    Bare(const Bare&) = delete;
+    Bare& operator=(const Bare&) = delete;
+
     std::recursive_mutex mutex;
     LogSink* sink = new CountingSink;
     bool isFull = true;
 };
 
-void addIntegersFrom(ChannelHandle channel, const char* name, int threads) {
-    addCase(
-        name,
-        [channel, i = 1000]() mutable {
-            ++i;
-            LogMessage(channel, 10) << "Read " << i << " records of " << i * 3;
-        },
-        threads);
+auto logBare() {
+    return byAddress([bare = std::make_shared<Bare>()] {
+        const std::lock_guard lock(bare->mutex);
+        bare->sink->write(10, kText);
+    });
 }
 
-}  // namespace
-
-void addLogging() {
-    registerSinkProvider(std::make_unique<CountingProvider>());
-    auto* const channel = getChannel("counted");
-    auto& bare = *new Bare;
-
-    addCase("log/ours", [channel] { log(channel, 10, "Reading all records"); });
-    addCase("log/bare", [&bare]() BENCH_OUT_OF_LINE {
-        const std::lock_guard lock(bare.mutex);
-        bare.sink->write(10, "Reading all records");
-    });
-
-    addIntegersFrom(channel, "LogMessage/ours", 1);
-    addCase("LogMessage/bare", [&bare, i = 1000]() mutable BENCH_OUT_OF_LINE {
+auto buildBare() {
+    return byAddress([bare = std::make_shared<Bare>(), i = 1000]() mutable {
         ++i;
         char text[64];
         char* const end = text + sizeof(text) - 1;
@@ -71,24 +77,99 @@ void addLogging() {
         next += std::string_view(" records of ").copy(next, 12);
         next = std::to_chars(next, end, i * 3).ptr;
         *next = '\0';
-        const std::lock_guard lock(bare.mutex);
-        bare.sink->write(10, text);
+        const std::lock_guard lock(bare->mutex);
+        bare->sink->write(10, text);
     });
-
-    auto* const cached = getChannel("cached");
-    for (std::size_t i = 0; i <= kCacheCapacity; ++i) {
-        log(cached, 10, "Reading all records");
-    }
-    addCase("full cache/ours", [cached] { log(cached, 10, "Reading all records"); });
-    addCase("full cache/bare", [&bare]() BENCH_OUT_OF_LINE {
-        const std::lock_guard lock(bare.mutex);
-        return bare.isFull;
-    });
-
-#ifndef QUEND_COUNT_INSTRUCTIONS
-    addIntegersFrom(channel, "2 threads/ours", 2);
-    addIntegersFrom(channel, "8 threads/ours", 8);
-#endif
 }
 
+const std::string kLongText(300, 'x');
+
+#ifdef QUEND_PEERS
+class PeerSink final : public spdlog::sinks::base_sink<std::mutex> {
+    void sink_it_(const spdlog::details::log_msg& /*message*/) override { ++count; }
+    void flush_() override {}
+    unsigned long count = 0;
+};
+
+void addPeer() {
+    const auto logger = std::make_shared<spdlog::logger>("bench", std::make_shared<PeerSink>());
+    addCase("log/spdlog", [logger] { logger->info(kText); });
+    addCase("LogMessage/spdlog", [logger, i = 1000]() mutable {
+        ++i;
+        logger->info("Read {} records of {}", i, i * 3);
+    });
+    addCase("LogMessage point/spdlog", [logger, i = 1000]() mutable {
+        ++i;
+        logger->info("Took {:g} ms", i / 8.0);
+    });
+    addCase("LogMessage 300/spdlog", [logger] { logger->info("{}", kLongText); });
+
+    // Its ring keeps the newest, where the library's cache keeps the oldest.
+    const auto backtrace =
+        std::make_shared<spdlog::logger>("backtrace", std::make_shared<PeerSink>());
+    backtrace->enable_backtrace(kCacheCapacity);
+    addCase("full cache/spdlog", [backtrace] { backtrace->debug(kText); });
+}
+#endif
+
+const Group logging(Mode::table, {1}, [](std::size_t /*size*/) {
+    auto* const channel = countedChannel();
+    addCase("log/ours", [channel] { log(channel, 10, kText); });
+    addCase("log/bare", logBare());
+    addCase("LogMessage/ours", [channel, i = 1000]() mutable {
+        ++i;
+        LogMessage(channel, 10) << "Read " << i << " records of " << i * 3;
+    });
+    addCase("LogMessage/bare", buildBare());
+    auto* const cached = getChannel("cached");
+    for (std::size_t i = 0; i <= kCacheCapacity; ++i) {
+        log(cached, 10, kText);
+    }
+    addCase("full cache/ours", [cached] { log(cached, 10, kText); });
+    addCase("full cache/bare", byAddress([bare = std::make_shared<Bare>()] {
+                const std::lock_guard lock(bare->mutex);
+                return bare->isFull;
+            }));
+#ifdef QUEND_PEERS
+    addCase("LogMessage point/ours", [channel, i = 1000]() mutable {
+        ++i;
+        LogMessage(channel, 10) << "Took " << i / 8.0 << " ms";
+    });
+    addCase("LogMessage 300/ours", [channel] { LogMessage(channel, 10) << kLongText; });
+    addPeer();
+#endif
+});
+
+#ifndef QUEND_COUNT_INSTRUCTIONS
+struct Channels {
+    explicit Channels(std::size_t count) : names(shuffledNames(count)) {
+        for (const std::string& name : names) {
+            manager.getChannel(name.c_str());
+        }
+    }
+    std::vector<std::string> names;
+    LogManager manager;
+};
+
+const Group names(Mode::growth, kNameCounts, [](std::size_t count) {
+    const auto all = std::make_shared<Channels>(count);
+    addCase(sized("getChannel", count), [all, name = Round(all->names)]() mutable {
+        return all->manager.getChannel(name.next().c_str());
+    });
+});
+
+const Group threads(Mode::growth, kThreadCounts, [](std::size_t count) {
+    addCase(
+        sized("log threads", count), [channel = countedChannel()] { log(channel, 10, kText); },
+        count);
+    addCase(sized("bare log threads", count), logBare(), count);
+});
+
+const Group tail(Mode::growth, {1}, [](std::size_t /*size*/) {
+    addTailLoop("log tail", loopOf([channel = countedChannel()] { log(channel, 10, kText); }));
+    addTailLoop("bare log tail", loopOf(logBare()));
+});
+#endif
+
+}  // namespace
 }  // namespace bench

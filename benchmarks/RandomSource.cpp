@@ -1,20 +1,23 @@
-// Bare: rand() behind a plain std::mutex, out of line.
+// Bare: rand() behind a plain std::mutex.
 #include <Quend/Framework/Framework.h>
 
 #include <cstdlib>
+#include <memory>
 #include <mutex>
 
 #include "Bench.h"
 
 namespace bench {
+namespace {
 
-void addRandomSource() {
+const Group randomSource(Mode::table, {1}, [](std::size_t /*size*/) {
     addCase("randomNumber/ours", [] { return Quend::Framework::Framework::randomNumber(); });
-    static std::mutex mutex;
-    addCase("randomNumber/bare", []() BENCH_OUT_OF_LINE {
-        const std::lock_guard lock(mutex);
-        return std::rand();
-    });
-}
+    const auto mutex = std::make_shared<std::mutex>();
+    addCase("randomNumber/bare", byAddress([mutex] {
+                const std::lock_guard lock(*mutex);
+                return std::rand();
+            }));
+});
 
+}  // namespace
 }  // namespace bench
