@@ -167,6 +167,7 @@ TEST_F(RegistryTest, RefusalsBecomeExceptionsAndLeaveNothingBehind) {
     }
     // Ten checks for an unbound object, ten of a result code, and CreationError's own.
     EXPECT_EQ(linesOfErrors.count(), 21U);
+    EXPECT_FALSE(linesOfErrors[0]);
 }
 
 TEST_F(RegistryTest, ReadsWhatItWroteAndNothingThatItDeleted) {
