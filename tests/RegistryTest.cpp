@@ -85,34 +85,29 @@ struct RegistryTest : testing::Test {
     Registry key;
 };
 
-// What becomes of the codes 5 and 259, and of all others but 0.
+// What becomes of the code 5, of all that are not listed, and of 259.
 struct Outcomes {
     const char* denied;
-    const char* noMore;
     const char* other;
+    const char* noMore = other;
 };
 constexpr Outcomes kRead = {"AccessDenied: Not enough permissions to read value.",
-                            "NotFound: The requested value was not found.",
-                            "OpenError: Unable to open requested value."};
+                            "OpenError: Unable to open requested value.",
+                            "NotFound: The requested value was not found."};
 constexpr Outcomes kWrite = {"AccessDenied: Not enough permissions to modify value.",
-                             "NotFound: The value to update was not found.",
-                             "OpenError: Unable to open requested value."};
+                             "OpenError: Unable to open requested value.",
+                             "NotFound: The value to update was not found."};
 constexpr Outcomes kOpen = {"AccessDenied: Not enough permissions to read requested key.",
-                            "OpenError: Unable to open requested key.",
                             "OpenError: Unable to open requested key."};
-constexpr Outcomes kList = {"AccessDenied: Not enough permissions to read sub key enumeration.", "",
-                            "OpenError: Unable to open enumerated sub key."};
+constexpr Outcomes kList = {"AccessDenied: Not enough permissions to read sub key enumeration.",
+                            "OpenError: Unable to open enumerated sub key.", ""};
 constexpr Outcomes kDelete = {"AccessDenied: Not enough permissions to delete value.",
-                              "NotFound: Unable to delete given value.",
                               "NotFound: Unable to delete given value."};
 constexpr Outcomes kDeleteKey = {"AccessDenied: Not enough permissions to delete sub key.",
-                                 "NotFound: Unable to delete given key.",
                                  "NotFound: Unable to delete given key."};
 constexpr Outcomes kCreate = {"AccessDenied: Not enough permissions to create requested key.",
-                              "CreationError: Unable to create requested key.",
                               "CreationError: Unable to create requested key."};
 constexpr Outcomes kConstruct = {"AccessDenied: Unable to open requested key",
-                                 "OpenError: Unable to open requested key",
                                  "OpenError: Unable to open requested key"};
 constexpr const char* kUnbound = "NotInitialized: handle_ != 0: Invalid handle state.";
 
@@ -123,7 +118,7 @@ const struct Operation {
     const char* onUnbound = kUnbound;
     bool hasName = true;
 } kOperations[] = {
-    {"RegQueryValueExW", [](auto& k, auto& n) { k.hasValue(n); }, {"", "", ""}},
+    {"RegQueryValueExW", [](auto& k, auto& n) { k.hasValue(n); }, {"", ""}},
     {"RegQueryValueExW", [](auto& k, auto& n) { k.getIntValue(n); }, kRead},
     {"RegEnumValueW", [](auto& k, auto& n) { k.getStringValue(n); }, kRead},
     {"RegSetValueExW", [](auto& k, auto& n) { k.setStringValue(n, {}); }, kWrite},
@@ -172,6 +167,7 @@ TEST_F(RegistryTest, RefusalsBecomeExceptionsAndLeaveNothingBehind) {
     }
     // Ten checks for an unbound object, ten of a result code, and CreationError's own.
     EXPECT_EQ(linesOfErrors.count(), 21U);
+    EXPECT_FALSE(linesOfErrors[0]);
 }
 
 TEST_F(RegistryTest, ReadsWhatItWroteAndNothingThatItDeleted) {
@@ -217,16 +213,11 @@ TEST_F(RegistryTest, RealRefusals) {
         {[&] { key.getStringValue("missing"); }, kRead.noMore},
         {[&] { key.getStringValue("Text"); }, kRead.noMore},
         {[&] { key.getStringValue("tex"); }, kRead.noMore},
-        {[&] { key.deleteValue("missing"); }, kDelete.other},
         {[&] { key.deleteSubKey("missing"); }, kDeleteKey.other},
         {[&] { key.openSubKey("missing"); }, kOpen.other},
         {[&] { key.createSubKey(std::string(300, 'x')); }, kCreate.other},
-        {[&] { gone.createSubKey("a"); }, kCreate.other},
         {[&] { gone.getSubKeys(); }, kList.other},
         {[&] { readOnly.setIntValue("n", 1); }, kWrite.denied},
-        {[&] { readOnly.setStringValue("t", {}); }, kWrite.denied},
-        {[&] { readOnly.deleteValue("text"); }, kDelete.denied},
-        {[&] { writeOnly.getIntValue("number"); }, kRead.denied},
         {[&] { writeOnly.getStringValue("text"); }, kRead.denied},
         {[&] { writeOnly.getSubKeys(); }, kList.denied},
     };
