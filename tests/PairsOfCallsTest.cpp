@@ -1,12 +1,10 @@
-// Every ordered pair of the calls that may overlap, in two threads, for ThreadSanitizer to
-// watch. There is nothing else in the loops: a lock taken by anything beside the two calls would
-// put them in order, and hide that one of theirs is missing. So names are made beforehand, and
-// what the calls are given shares nothing.
+// Every ordered pair of the calls that may overlap, in two threads, for ThreadSanitizer to watch.
+// The loops have nothing else in them: any other lock would order the two calls, and hide that one
+// of theirs is missing. So names are made beforehand, and arguments share nothing.
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -14,7 +12,7 @@
 #include <Quend/Framework/Framework.h>
 
 #include "core/ObjectRegistry.h"
-#include "logging/LogManager.h"
+#include "models/Logging.h"
 #include "properties/PropertyManagerImpl.h"
 #include "properties/TextConversion.h"
 #include "support/Threads.h"
@@ -46,35 +44,30 @@ MemoryManager::IRegisteredObject* makeObject() { return new MemoryManager::IRegi
 
 struct Registry {
     MemoryManager::ObjectRegistry registry;
-    std::array<std::string, kRounds> held;
-    std::array<std::string, kRounds> free;
+    std::array<std::string, kRounds> names;  // every other one is registered
 
     Registry() {
         for (std::size_t i = 0; i < kRounds; ++i) {
-            held.at(i) = "held " + std::to_string(i);
-            free.at(i) = "free " + std::to_string(i);
-            registry.registerObject(held.at(i).c_str(), makeObject);
+            names.at(i) = std::to_string(i);
+            i % 2 == 0 ? registry.registerObject(names.at(i).c_str(), makeObject) : nullptr;
         }
     }
     ~Registry() {
-        for (const auto* names : {&held, &free}) {
-            for (const auto& name : *names) {
-                registry.unregisterObject(name.c_str());
+        for (const std::string& name : names) {
+            while (registry.findObject(name.c_str()) != nullptr) {
                 registry.unregisterObject(name.c_str());
             }
         }
     }
-    Registry(const Registry&) = delete;
-    Registry& operator=(const Registry&) = delete;
 };
 
 TEST(PairsOfCalls, ObjectRegistry) {
     runPairs<Registry>({
         [](Registry& r, std::size_t i) {
-            r.registry.registerObject(r.free[i].c_str(), makeObject);
+            r.registry.registerObject(r.names[i].c_str(), makeObject);
         },
-        [](Registry& r, std::size_t i) { r.registry.unregisterObject(r.held[i].c_str()); },
-        [](Registry& r, std::size_t i) { r.registry.findObject(r.held[i].c_str()); },
+        [](Registry& r, std::size_t i) { r.registry.unregisterObject(r.names[i].c_str()); },
+        [](Registry& r, std::size_t i) { r.registry.findObject(r.names[i].c_str()); },
     });
 }
 
@@ -109,24 +102,13 @@ TEST(PairsOfCalls, ReadingProperties) {
     });
 }
 
-struct Sink final : Logging::LogSink {
-    virtual ~Sink() = default;
-    void release() noexcept override { delete this; }
-    void write(std::uint32_t, const char*) override { ++written; }
-    long written = 0;  // a sink relies on the lock of logging
-};
-
-struct Provider final : Logging::LogSinkProvider {
-    Logging::LogSink* createSink(const char*) override { return new Sink; }
-};
-
 struct Manager {
     Logging::LogManager manager;
     Logging::ChannelHandle channel = nullptr;
     std::array<std::string, kRounds> names;
 
     Manager() {
-        manager.registerSinkProvider(std::make_unique<Provider>());
+        manager.registerSinkProvider(std::make_unique<tests::TestProvider>("p"));
         channel = manager.getChannel("channel");
         for (std::size_t i = 0; i < kRounds; ++i) {
             names.at(i) = "channel " + std::to_string(i);
@@ -136,7 +118,7 @@ struct Manager {
 
 void createChannel(Manager& m, std::size_t i) { m.manager.getChannel(m.names[i].c_str()); }
 void addProvider(Manager& m, std::size_t) {
-    m.manager.registerSinkProvider(std::make_unique<Provider>());
+    m.manager.registerSinkProvider(std::make_unique<tests::TestProvider>("p"));
 }
 
 TEST(PairsOfCalls, Logging) {
@@ -163,6 +145,6 @@ TEST(PairsOfCalls, ShuttingLoggingDown) {
 
 #ifndef _WIN32
 extern "C" Quend::Framework::Logging::LogSinkProvider* createLogSinkProvider() {
-    return new Provider;
+    return new tests::TestProvider("p");
 }
 #endif

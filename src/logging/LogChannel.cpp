@@ -11,16 +11,16 @@ LogChannel::~LogChannel() {
 }
 
 void writeToSinks(const LogChannel& channel, std::uint32_t level, const char* text) {
-    // NOLINTNEXTLINE(modernize-loop-convert): a sink may call back, so they are counted anew
+    // NOLINTNEXTLINE(modernize-loop-convert): a sink may call back and attach more
     for (std::size_t i = 0; i < channel.sinks.size(); ++i) {
         channel.sinks[i]->write(level, text);
     }
 }
 
 void attachSinks(LogChannel& channel) {
-    const ProviderRegistry providers = providerRegistry;  // a provider may register another
+    const ProviderRegistry providers = providerRegistry;  // a copy: a provider may register another
     channel.sinks.clear();
-    // Room for all beforehand: a sink that has been made is not lost for want of memory.
+    // Room for all first, so that no sink is lost if memory runs out.
     channel.sinks.reserve(providers.size());
     for (LogSinkProvider* const provider : providers) {
         LogSink* const sink = provider->createSink(channel.name.c_str());

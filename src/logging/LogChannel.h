@@ -1,8 +1,9 @@
 /// \file
-// A named log channel: its sinks, and the messages that wait for some.
+/// A named log channel: its sinks, and the messages that wait for some.
 ///
-/// Threading: guarded by LogManager's lock, all of it. Components do not touch a channel; they
-/// keep its handle. Lifetime: from the first getChannel of its name until logging shuts down.
+/// A channel lives from the first getChannel of its name until logging shuts down. Components keep
+/// its handle and never touch the channel.
+/// Threading: guarded by LogManager's lock, as are all functions here.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +18,7 @@ namespace Quend::Framework::Logging {
 
 struct LogChannel {
     explicit LogChannel(const char* channelName) : name(channelName) {}
-    /// Releases the sinks, in order. What is still cached is written nowhere.
+    /// Releases the sinks, in order. Cached messages are lost.
     ~LogChannel();
     LogChannel(const LogChannel&) = delete;
     LogChannel& operator=(const LogChannel&) = delete;
@@ -27,27 +28,26 @@ struct LogChannel {
     std::vector<CachedLogRecord> cache;
     std::uint32_t overflowed = 0;  // 1 once the cache holds its marker
 
-    /// Kept with the channel for those who configure it; no message is held against it.
+    /// Kept for configuration; no message's level is compared with it.
     std::uint32_t levelSetting = 50;
-    /// False drops the messages that would be written. Those that would be cached still are.
+    /// If false, messages that would be written are dropped; others are still cached.
     bool enabled = true;
 };
 
-/// Where a handle points: it never moves, so components can hold on to it.
+/// What a handle points to. It never moves.
 struct ChannelSlot {
     std::unique_ptr<LogChannel> channel;  // never null
 };
 using ChannelHandle = ChannelSlot*;
 
-/// Writes to each sink in turn. What one throws passes through; those after it get nothing. Called
-/// with LogManager's lock held.
+/// Writes to each sink in turn.
+/// Throws: what a sink throws; the sinks after it do not get the message.
 void writeToSinks(const LogChannel& channel, std::uint32_t level, const char* text);
 
-/// Asks every registered provider for its sink and replays the cache to them. Sinks attached
-/// before are forgotten, not released. Called with LogManager's lock held.
-///
-/// What a provider or sink throws passes through, as does std::bad_alloc: the sinks made until
-/// then are the channel's, and the cache is as it was.
+/// Asks every registered provider for its sink and replays the cache to them. Earlier sinks are
+/// dropped without release().
+/// Throws: what a provider or sink throws; std::bad_alloc.
+/// On failure: the channel keeps the sinks made so far, and the cache is as before.
 void attachSinks(LogChannel& channel);
 
 }  // namespace Quend::Framework::Logging

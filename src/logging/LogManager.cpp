@@ -1,10 +1,9 @@
-// Invariants, outside of calls: every channel in the map has been offered to all providers that
-// were registered when it was created; every provider that is owned is in providerRegistry as
-// well, until one of the two is emptied at unload; there is one entry in modulesOfSinks for each
-// in pluginLibraries.
+// Invariants between calls: every provider that was registered when a channel was created has been
+// asked for its sink; every owned provider is in providerRegistry, until one of the two is emptied
+// at unload; modulesOfSinks has one entry for each in pluginLibraries.
 //
-// Providers and sinks are called with the lock held and may call back, so nothing is kept across
-// such a call that an inner call could move: no iterator into a vector, no reference to an entry.
+// Providers and sinks run under the lock and may call back. So nothing that an inner call could
+// move is used after such a call: no iterator into a vector, no reference to an entry.
 #include "logging/LogManager.h"
 
 #include <algorithm>
@@ -38,7 +37,7 @@ ChannelHandle LogManager::getChannel(const char* name) {
 void LogManager::log(ChannelHandle handle, std::uint32_t level, const char* text) {
     const std::lock_guard lock(mutex);
 
-    // Read at the first message of the process, and kept; setting it later changes nothing.
+    // Read once, at the first message; setting the variable later changes nothing.
     static std::wstring debugStringSetting;
     [[maybe_unused]] static const bool debugStringRequested = readDebugString(debugStringSetting);
 
@@ -65,7 +64,8 @@ void LogManager::registerSinkProvider(std::unique_ptr<LogSinkProvider> provider)
 
 void LogManager::loadPluginLibrary(const std::wstring& path) {
     const std::lock_guard lock(mutex);
-    // In this order they are given up from the last to the first: no code goes before its data.
+    // On failure these are destroyed in reverse order: the provider before the module with its
+    // code.
     auto library = std::make_unique<PluginLibrary>(path);
     auto moduleOfSinks = std::make_unique<Module>(path);
     auto provider = library->createProvider();
@@ -82,7 +82,7 @@ void LogManager::shutdownLogging() {
         return;
     }
     while (!ownedProviders.empty()) {
-        // Out of both lists before it is deleted, as its destructor may log.
+        // Leaves both lists before it is deleted, since its destructor may log.
         const auto provider = std::move(ownedProviders.front());
         ownedProviders.erase(ownedProviders.begin());
         const auto found =

@@ -1,12 +1,11 @@
 /// \file
-// Where messages are handed in and go from there: to the sinks of their channel, or into its
-/// cache.
+/// Takes messages and passes them to the sinks of their channel, or into its cache.
 ///
-/// Threading: any thread may call any of it at any time. One recursive lock makes each call a
-/// single step, the calls into providers and sinks included, which may therefore call back.
-///
-/// Lifetime: made when the library is loaded, shut down at unload; handles are valid until then.
-/// Every function throws std::system_error when the lock cannot be had, and then did nothing.
+/// The process-wide manager exists from load to unload; handles are valid until then.
+/// Throws: std::system_error if the lock cannot be taken; nothing has changed then. std::bad_alloc.
+/// Threading: any thread may call any function at any time. One recursive lock makes each call
+/// atomic, with its calls into providers and sinks, which may call back.
+/// Requires: names and texts are zero-terminated and not null, which is not checked.
 #pragma once
 
 #include <cstdint>
@@ -30,45 +29,42 @@ class LogManager {
     LogManager(const LogManager&) = delete;
     LogManager& operator=(const LogManager&) = delete;
 
-    /// Finds the channel of that name, compared byte by byte, or creates it and attaches a sink
-    /// from each provider. Never null; the channel belongs to the manager. `name` is zero-
-    /// terminated, copied, and must not be null, which is not checked.
+    /// Returns the channel of that name, compared byte by byte; the first call creates it and
+    /// attaches a sink from each provider. Never null. `name` is read before any provider runs.
     ///
-    /// What a provider throws passes through, as does std::bad_alloc: there is no such channel
-    /// then, and the sinks made for it are released. Should a provider ask for the very name that
-    /// it is being asked about, that inner call's channel stays and this one's sinks are released.
+    /// If a provider asks for the same name from inside, that inner call's channel stays.
+    /// Throws: what a provider throws.
+    /// Ownership: the channel belongs to the manager.
+    /// On failure: there is no such channel, and the sinks made for it are released.
     ChannelHandle getChannel(const char* name);
 
-    /// Writes `text` to each sink of the channel in turn. It is cached instead if the channel has
-    /// no sink, or no provider is registered, or `level` is 0; and dropped if it would be written
-    /// but the channel is not enabled. `text` is zero-terminated and not null, unchecked.
-    ///
-    /// What a sink throws passes through; sinks before it have the message, those after it have
-    /// not. std::bad_alloc while caching leaves the cache as it was.
+    /// Writes `text` to each sink of the channel. Caches it instead if the channel has no sink, no
+    /// provider is registered, or `level` is 0. Drops it if the channel is disabled and has sinks.
+    /// Throws: what a sink throws; the sinks after it do not get the message.
+    /// On failure: the cache is as before.
     void log(ChannelHandle handle, std::uint32_t level, const char* text);
 
-    /// Takes the provider over and asks it for a sink for each channel created from now on;
-    /// channels that exist get none. On any failure it is deleted and nothing has changed:
-    /// Exceptions::InvalidArgument for null, std::bad_alloc.
+    /// Adds a provider, which is asked for a sink for each channel created from now on.
+    /// Throws: Exceptions::InvalidArgument, "A sink provider must not be null."
+    /// Ownership: the manager takes the provider over, and deletes it at shutdown.
+    /// On failure: the provider is deleted and nothing has changed.
     void registerSinkProvider(std::unique_ptr<LogSinkProvider> provider);
 
-    /// Loads a plug-in library and registers the provider that its entry point makes; both stay
-    /// until logging shuts down. On any failure the module is released again and nothing has
-    /// changed: std::system_error with the system's code if the module cannot be loaded,
-    /// std::runtime_error with the reason if the entry point fails, std::bad_alloc.
+    /// Loads a plug-in library and registers its provider; both stay until logging shuts down.
+    /// Throws: std::system_error with the system's code if the module cannot be loaded;
+    /// std::runtime_error if it has no entry point or refuses.
+    /// On failure: the module is released and nothing has changed.
     void loadPluginLibrary(const std::wstring& path);
 
     /// Deletes the providers in the order of registration, releases the plug-in libraries, and
-    /// destroys the channels in the order of their names; the handles are invalid then. Nobody
-    /// may be inside of another call.
+    /// destroys the channels in the order of their names. All handles are invalid then.
+    /// Requires: no other call is running.
     void shutdownLogging();
 
-    /// Ends a manager that nobody would destroy otherwise: that of the process, at unload.
+    /// Destroys the process-wide manager at unload, unless another thread holds the lock.
     ///
-    /// If another thread holds the lock, nothing is released and the manager stays as it is. At
-    /// the exit of a process the other threads are stopped wherever they are, and a lock that
-    /// one of them holds is never given back: waiting for it would hang the exit for good. On
-    /// any other way to unload, nobody is inside of the library.
+    /// At process exit the other threads are stopped anywhere. A lock that one of them holds is
+    /// never free again, and waiting for it would hang the exit; so nothing is released then.
     void destroyUnlessHeld();
 
  private:
@@ -80,16 +76,16 @@ class LogManager {
     std::vector<std::unique_ptr<PluginLibrary>> pluginLibraries;
     std::vector<std::unique_ptr<LogSinkProvider>> ownedProviders;
     RecursiveMutex mutex;
-    bool alive = true;  // memory without a manager in it reads false: nothing to shut down
-    /// Plug-in libraries are released before the channels are destroyed, whose sinks have their
-    /// code there. So each module is held twice, and let go of here when the last sink is gone.
+    bool alive = true;  // false, as the memory is zeroed, if no manager was constructed
+    /// A second reference to each plug-in module, released after the last sink: plug-in libraries
+    /// are released before the channels, whose sinks have their code there.
     std::vector<std::unique_ptr<Module>> modulesOfSinks;
 };
 
-/// The manager of the process, at a place in memory that outlives every clean-up.
+/// The process-wide manager, in memory that outlives every clean-up.
 extern LogManager& logManager;
 
-/// What components call: the same, on the manager of the process.
+/// The same on the process-wide manager, for components.
 ChannelHandle getChannel(const char* name);
 void log(ChannelHandle channel, std::uint32_t level, const char* text);
 void registerSinkProvider(std::unique_ptr<LogSinkProvider> provider);

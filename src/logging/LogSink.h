@@ -1,45 +1,40 @@
 /// \file
-// What a plug-in implements: a sink, which puts messages somewhere, and a provider, which makes
-/// the sinks. This header is the contract for whoever writes one.
+/// What a plug-in implements: sinks, which output messages, and a provider, which creates the
+/// sinks.
 ///
-/// Threading: logging calls all of it under its one lock, on the thread that caused the call.
-/// So a sink sees one message at a time, whole, in the order in which the callers obtained the
-/// lock, and needs no lock of its own; a slow write holds up every thread that logs. The lock is
-/// recursive, but it is not the reader's: a write or createSink that waits for another thread
-/// waits for ever if that thread logs.
-///
-/// Exceptions: what createSink and write throw passes on to the caller of getChannel or log, with
-/// the lock free again. A LogMessage has no caller to pass it to and ends the process.
-///
-/// Lifetime at unload: first every provider is deleted, then every sink is released, channel by
-/// channel in the order of their names; the module with their code stays loaded until after the
-/// last release(). At the exit of the process that module's own statics may be destroyed before
-/// all this, and nothing is called at all when a thread ended inside of a log call: a sink that
-/// buffers flushes in write, and neither release() nor a destructor relies on statics.
+/// Throws: what createSink and write throw reaches the caller of getChannel or log, with the lock
+/// free. It has no caller to reach from a LogMessage, and ends the process.
+/// Threading: all calls come under logging's one lock, on the thread that caused them. So a sink
+/// sees whole messages, one at a time, and needs no lock of its own; a slow write holds up every
+/// thread that logs. The lock is recursive, so a sink may log. Never wait in write or createSink
+/// for another thread that may log: that deadlocks.
+/// Ownership: at unload every provider is deleted first, then every sink is released, by channel
+/// name. The module with their code stays loaded until the last release() has returned. At process
+/// exit the module's statics may be destroyed before that, and nothing is called if a thread was
+/// stopped inside a log call. So flush in write, and use no statics in release() or a destructor.
 #pragma once
 
 #include <cstdint>
 
 namespace Quend::Framework::Logging {
 
-/// The order of the virtual operations is a binary interface with the plug-ins.
+/// One output of one channel. The order of the virtual operations is a binary interface.
 class LogSink {
  public:
-    /// Holds the first slot of the table and is never called.
+    /// Reserves the first slot; never called.
     virtual void reserved() {}
 
-    /// Called once, when the channel of this sink is destroyed, which may be before the first
-    /// write if the channel could not be completed. The sink frees itself; the library does not
-    /// touch it again. It must not log nor ask for a channel: others are gone already.
+    /// Called once, when the channel is destroyed; the sink frees itself. May come before the first
+    /// write, if the channel could not be completed.
+    /// Requires: must not log nor ask for a channel, as others are destroyed already.
     virtual void release() noexcept = 0;
 
-    /// Puts out one message. `text` is zero-terminated narrow text, valid during the call only
-    /// and free of any prefix, time stamp or line end; `level` is never 0 but in a replay.
+    /// Outputs one message. `text` is zero-terminated, valid during the call only, without prefix,
+    /// time stamp or line end. `level` is 0 only in a replay.
     ///
-    /// A write may log, on its own channel as well, ask for channels and register providers. Such
-    /// a message reaches all sinks before the outer one goes on to the next sink, this one too,
-    /// inside of its write: a sink that logs from here sees to it that this ends. If it throws,
-    /// the sinks after it do not get the message.
+    /// May log, ask for channels and register providers. A message logged from here reaches all
+    /// sinks of its channel at once, this one included: it must guard against endless recursion.
+    /// On failure: if it throws, the sinks after it do not get the message.
     virtual void write(std::uint32_t level, const char* text) = 0;
 
  protected:
@@ -50,38 +45,36 @@ class LogSink {
     ~LogSink() = default;
 };
 
-/// The order of the virtual operations is a binary interface with the plug-ins.
+/// Creates the sinks. The order of the virtual operations is a binary interface.
 class LogSinkProvider {
  public:
     LogSinkProvider() = default;
     LogSinkProvider(const LogSinkProvider&) = delete;
     LogSinkProvider& operator=(const LogSinkProvider&) = delete;
 
-    /// The library deletes a registered provider at unload, under the lock and out of the
-    /// registry already; one whose registration failed at once, without the lock. Sinks it made
-    /// live on. It may log and ask for channels.
+    /// The library deletes a registered provider at unload, under the lock; its sinks live on. May
+    /// log and ask for channels.
     virtual ~LogSinkProvider() = default;
 
-    /// Returns a new sink for the named channel, which the library then owns until release(), or
-    /// null for none. `channelName` is valid during the call only. Called once for each channel,
-    /// while that is being created, provider after provider in the order of registration; one
-    /// registered later is never asked for a channel that exists.
+    /// Returns a new sink for the channel, or null for none. Called once while a channel is
+    /// created, in the order of registration; never for a channel that exists already.
+    /// `channelName` is valid during the call only.
     ///
-    /// It may log, ask for channels and register providers; a provider registered here is first
-    /// asked for the next channel. Asking for a channel that does not exist yet asks all
-    /// providers again, this one too: also for the name at hand, so a provider sees to it that
-    /// this ends. The inner call's channel is then the one that stays.
-    ///
-    /// If it throws, the channel is not created, and the sinks that other providers made for it
-    /// are released; the next getChannel of that name starts anew.
+    /// May log, ask for channels and register providers, which are asked from the next channel on.
+    /// To ask for a channel that does not exist calls all providers again, this one included, even
+    /// for the same name: it must guard against endless recursion. The inner call's channel stays.
+    /// Ownership: the library owns the sink until release().
+    /// On failure: if it throws, the channel is not created and the sinks made for it are released.
     virtual LogSink* createSink(const char* channelName) = 0;
 };
 
-/// A plug-in library is a DLL with this one exported function. It is called once, under the lock,
-/// and gives its provider away; null or an exception refuse to be loaded. The class is not a
-/// plain C type: library and plug-in come from the same compiler.
+/// A plug-in library is a DLL that exports this function, built by the same compiler:
 ///
 ///     extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider();
+///
+/// Called once, under the lock; null refuses to be loaded.
+/// Throws: nothing; an exception out of an extern "C" function is undefined.
+/// Ownership: the library takes the provider over.
 using CreateLogSinkProvider = LogSinkProvider*();
 constexpr const char* kPluginEntryPoint = "createLogSinkProvider";
 

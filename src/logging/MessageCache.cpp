@@ -2,7 +2,7 @@
 //   filling     overflowed 0, fewer than kCacheCapacity records
 //   full        overflowed 0, kCacheCapacity records; the next message becomes the marker
 //   overflowed  overflowed 1, the marker is the last record; messages are dropped
-// A replay leads from each of them back to filling.
+// A replay leads back to filling.
 #include "logging/MessageCache.h"
 
 #include "logging/LogChannel.h"
@@ -22,8 +22,8 @@ void cacheMessage(LogChannel& channel, std::uint32_t level, const char* text) {
 }
 
 void replayCache(LogChannel& channel) {
-    // Sinks may log while they write, so records are counted anew each time, and the one at hand
-    // is a copy: the cache may grow and move its own.
+    // A sink may log while it writes, and the cache grow and move its records. So the size is read
+    // each time, and the record is a copy.
     for (std::size_t i = 0; i < channel.cache.size(); ++i) {
         const CachedLogRecord record = channel.cache[i];
         writeToSinks(channel, record.level, record.text.c_str());

@@ -1,11 +1,11 @@
 /// \file
-// Keeps the messages of a channel that could not be written, oldest first and bounded, for the
-/// next time that sinks are attached.
+/// Keeps the messages of a channel that could not be written, oldest first, until sinks are
+/// attached.
 ///
-/// A channel without sinks is the normal state of a process, so what is kept must not grow: the
-/// oldest messages stay, since they tell how it all began, and what comes later is lost.
-///
-/// Threading: every function is called with LogManager's lock held.
+/// Bounded, since a process without any sink is the normal case. The oldest messages stay, because
+/// they tell how it began.
+/// Throws: std::bad_alloc; the cache is as before then.
+/// Threading: called with LogManager's lock held.
 #pragma once
 
 #include <cstddef>
@@ -21,19 +21,18 @@ struct CachedLogRecord {
     std::string text;
 };
 
-/// The most messages that a channel keeps; the marker comes on top of them.
+/// The most messages that a channel keeps; the marker comes on top.
 constexpr std::size_t kCacheCapacity = 101;
 constexpr std::uint32_t kCacheOverflowLevel = 40;
 constexpr const char* kCacheOverflowText = "LOG Cache overflow...";
 
-/// Keeps a copy of `text`. The first message that finds the cache full is replaced by the marker,
-/// all later ones are dropped without a trace. std::bad_alloc leaves the cache as it was.
+/// Keeps a copy of `text`. The first message that finds the cache full is replaced by the marker;
+/// all later ones are dropped.
 void cacheMessage(LogChannel& channel, std::uint32_t level, const char* text);
 
-/// Writes the kept messages, the marker among them, to each sink of the channel, and empties the
-/// cache, also if there is no sink to write to. A message that a sink logs meanwhile and that is
-/// cached is replayed with the others. What a sink throws, or std::bad_alloc, passes through, and
-/// then the cache is as it was.
+/// Writes the kept messages and the marker to each sink, and empties the cache, even without sinks.
+/// Messages that a sink logs meanwhile into this cache are replayed as well.
+/// Throws: what a sink throws; the cache is as before then.
 void replayCache(LogChannel& channel);
 
 }  // namespace Quend::Framework::Logging

@@ -8,7 +8,7 @@
 namespace Quend::Framework::Logging {
 namespace {
 
-// For a message only: what is not ASCII becomes a question mark, whatever the locale.
+// For a message: every unit beyond ASCII becomes a question mark, in any locale.
 std::string readable(const std::wstring& path) {
     std::string text;
     for (const wchar_t unit : path) {

@@ -1,10 +1,9 @@
 /// \file
-// A plug-in library: a module with sink providers in it, loaded for as long as its record lives.
-/// What it has to export stands in LogSink.h.
+/// A plug-in library: a module with a sink provider. Its entry point is described in LogSink.h.
 ///
-/// Threading: called with LogManager's lock held. That lock is held while the system's loader
-/// runs, and the loader's while a module starts or ends: a component that logs from there while
-/// another thread loads a plug-in makes the two wait for each other.
+/// Threading: called with LogManager's lock held, which is then held while the system's loader
+/// runs. Never log from DllMain or a global's constructor: if another thread loads a plug-in
+/// meanwhile, that deadlocks.
 #pragma once
 
 #include <memory>
@@ -17,14 +16,14 @@ namespace Quend::Framework::Logging {
 /// Owns one reference to a loaded module.
 class Module {
  public:
-    /// Loads `path`, or counts one more reference if it is loaded; a bare file name is searched
-    /// for as the system does it. Throws std::system_error with the system's code.
+    /// Loads `path`; a bare file name is searched for as the system does.
+    /// Throws: std::system_error with the system's code.
     explicit Module(const std::wstring& path);
     ~Module();
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
 
-    /// The exported function or null.
+    /// Returns the exported function, or null.
     void* find(const char* name) const noexcept;
 
  private:
@@ -36,8 +35,8 @@ struct PluginLibrary {
 
     explicit PluginLibrary(const std::wstring& path) : module(path) {}
 
-    /// Calls the entry point. Throws std::runtime_error if there is none, or it returns null or
-    /// throws; its own exception would not outlive the module, so only its text is passed on.
+    /// Calls the entry point.
+    /// Throws: std::runtime_error if there is none or it returns null.
     std::unique_ptr<LogSinkProvider> createProvider() const;
 };
 

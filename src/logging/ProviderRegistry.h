@@ -1,7 +1,8 @@
 /// \file
-// The sink providers that are asked when a channel is created, in the order of registration.
+/// The sink providers in the order of registration, which are asked when a channel is created.
 ///
-/// Guarded by the lock of LogManager. The registry owns no provider.
+/// Threading: guarded by LogManager's lock.
+/// Ownership: LogManager owns the providers.
 #pragma once
 
 #include <vector>
@@ -12,8 +13,8 @@ namespace Quend::Framework::Logging {
 
 using ProviderRegistry = std::vector<LogSinkProvider*>;
 
-/// The one of the process. At unload it is emptied before logging is shut down, and stays in
-/// place as an empty one: the shutdown still looks into it, finds nobody and removes nothing.
+/// The process-wide one. It is emptied at unload before logging shuts down, and stays in place: the
+/// shutdown still searches it.
 extern ProviderRegistry& providerRegistry;
 
 }  // namespace Quend::Framework::Logging

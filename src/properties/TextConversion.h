@@ -13,8 +13,8 @@
 
 namespace Quend::Framework::Text {
 
-/// Converts up to the first NUL. The result's size counts one terminating NUL, since callers pass it
-/// on as a C string; it is empty if any code unit cannot be converted.
+/// Converts up to the first NUL. The result's size counts one terminating NUL, since callers pass
+/// it on as a C string; it is empty if any code unit cannot be converted.
 std::string wideToNarrow(const wchar_t* text);
 
 /// Converts to exactly as many bytes as `text` has code units. Excess bytes are cut off; missing
