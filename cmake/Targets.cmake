@@ -60,6 +60,8 @@ if(MINGW)
     set(import_library ${PROJECT_BINARY_DIR}/Quend_Framework_${PROJECT_VERSION}.lib)
     execute_process(COMMAND ${LLVM_DLLTOOL} -m i386:x86-64 -d ${exports} -l ${import_library}
       COMMAND_ERROR_IS_FATAL ANY)
+  else()
+    message(STATUS "No llvm-dlltool: the package will lack the import library for MSVC's linker.")
   endif()
   # GCC's runtime is shared with all modules of the process: beside the programs, in the package.
   # It is found among the libraries of a cross compiler, and beside a compiler on Windows.
