@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
     const auto end = start + std::chrono::duration<double>(minutes * 60);
     bool hasGrown = false;
     std::puts("seconds     rounds  operations  exceptions/min  handles  TLS index  committed KiB");
-    for (int line = 1, rounds = 0; Clock::now() < end; ++line) {
+    for (int rounds = 0; Clock::now() < end;) {
         const long long exceptionsBefore = tally.exceptions;
         const auto lineStart = Clock::now();
         while (Clock::now() < lineStart + lineEvery) {
