@@ -28,8 +28,9 @@ else()
     -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wcast-function-type
     -Wnull-dereference -Wextra-semi -Wsuggest-override -Wformat=2>
     $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wduplicated-cond -Wlogical-op -Wuseless-cast>
-    # GCC wants the virtual destructor that clang finds needless in a final class.
-    $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-unnecessary-virtual-specifier>)
+    # GCC wants the virtual destructor that clang 22 finds needless in a final class.
+    $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-unknown-warning-option
+    -Wno-unnecessary-virtual-specifier>)
 endif()
 
 function(quend_add_library target type)
@@ -62,6 +63,8 @@ if(MINGW)
     set(import_library ${PROJECT_BINARY_DIR}/Quend_Framework_${PROJECT_VERSION}.lib)
     execute_process(COMMAND ${LLVM_DLLTOOL} -m i386:x86-64 -d ${exports} -l ${import_library}
       COMMAND_ERROR_IS_FATAL ANY)
+  else()
+    message(STATUS "No llvm-dlltool: the package will lack the import library for MSVC's linker.")
   endif()
   # GCC's runtime is shared with all modules of the process: beside the programs, in the package.
   # It is found among the libraries of a cross compiler, and beside a compiler on Windows.

@@ -4,8 +4,9 @@
 # passes such a function ends in a crash.
 include(${CMAKE_CURRENT_LIST_DIR}/Toolchain-mingw.cmake)
 
-find_program(CLANG NAMES clang-22 clang-19 clang REQUIRED)
-find_program(CLANGXX NAMES clang++-22 clang++-19 clang++ REQUIRED)
+# Debian's newest, or the one before it; clang 14 does not find Debian's MinGW libraries.
+find_program(CLANG NAMES clang-22 clang-19 REQUIRED)
+find_program(CLANGXX NAMES clang++-22 clang++-19 REQUIRED)
 set(CMAKE_C_COMPILER ${CLANG})
 set(CMAKE_CXX_COMPILER ${CLANGXX})
 set(CMAKE_C_COMPILER_TARGET x86_64-w64-mingw32)
