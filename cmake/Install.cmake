@@ -30,7 +30,23 @@ install(FILES examples/CMakeLists.txt DESTINATION examples)
 install(DIRECTORY examples/quick-start examples/first-module examples/modules
   DESTINATION examples)
 
+set(package_name Quend_Framework-${PROJECT_VERSION}-win64)
 if(MINGW)
+  # Of which MinGW-w64, and which C runtime: that is what a client must match.
+  file(WRITE ${PROJECT_BINARY_DIR}/mingw.h "#include <_mingw.h>\n")
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -E -dM ${PROJECT_BINARY_DIR}/mingw.h
+    OUTPUT_VARIABLE macros COMMAND_ERROR_IS_FATAL ANY)
+  if(macros MATCHES "#define _UCRT")
+    string(APPEND package_name -mingw-ucrt)
+  else()
+    string(APPEND package_name -mingw-msvcrt)
+  endif()
+  foreach(part MAJOR MINOR)
+    string(REGEX MATCH "__MINGW64_VERSION_${part} ([0-9]+)" match "${macros}")
+    string(APPEND mingw_version .${CMAKE_MATCH_1})
+  endforeach()
+  string(SUBSTRING ${mingw_version} 1 -1 mingw_version)
+
   configure_file(cmake/quend-framework.pc.in quend-framework.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/quend-framework.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
@@ -51,14 +67,6 @@ if(MINGW)
     install(FILES /usr/share/doc/${package}/copyright OPTIONAL
       DESTINATION docs RENAME ${package}.copyright)
   endforeach()
-  file(WRITE ${PROJECT_BINARY_DIR}/mingw.h "#include <_mingw.h>\n")
-  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -E -dM ${PROJECT_BINARY_DIR}/mingw.h
-    OUTPUT_VARIABLE macros COMMAND_ERROR_IS_FATAL ANY)
-  foreach(part MAJOR MINOR)
-    string(REGEX MATCH "__MINGW64_VERSION_${part} ([0-9]+)" match "${macros}")
-    string(APPEND mingw_version .${CMAKE_MATCH_1})
-  endforeach()
-  string(SUBSTRING ${mingw_version} 1 -1 mingw_version)
   string(TIMESTAMP created UTC)
   configure_file(cmake/package.spdx.in Quend_Framework-${PROJECT_VERSION}.spdx @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/Quend_Framework-${PROJECT_VERSION}.spdx DESTINATION .)
@@ -79,11 +87,11 @@ install(CODE [[
   file(WRITE ${root}/SHA256SUMS "${sums}")]])
 
 set(CPACK_GENERATOR ZIP)
-set(CPACK_PACKAGE_FILE_NAME Quend_Framework-${PROJECT_VERSION}-win64)
+set(CPACK_PACKAGE_FILE_NAME ${package_name})
+set(CPACK_COMPONENTS_ALL package)
 if(MINGW)
-  string(APPEND CPACK_PACKAGE_FILE_NAME -mingw-msvcrt)
+  list(APPEND CPACK_COMPONENTS_ALL debug)
 endif()
-set(CPACK_COMPONENTS_ALL package debug)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
 set(CPACK_ARCHIVE_PACKAGE_FILE_NAME ${CPACK_PACKAGE_FILE_NAME})
