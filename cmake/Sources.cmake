@@ -14,6 +14,7 @@ set(portable_sources
   logging/LogManager.cpp
   logging/LogMessage.cpp
   logging/MessageCache.cpp
+  logging/MessageText.cpp
   logging/PluginLibrary.cpp
   properties/PropertyManagerImpl.cpp
   properties/TextConversion.cpp)

@@ -16,7 +16,6 @@
 #include <concepts>
 #include <ios>
 #include <locale>
-#include <new>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -80,38 +79,32 @@ class MessageText {
         if (locale != std::locale::classic()) {  // which may group digits or have another point
             return false;
         }
+        const auto [next, error] = std::to_chars(buffer.data() + size, end(), value, format...);
+        if (error == std::errc()) {
+            size = static_cast<std::size_t>(next - buffer.data());
+            return true;
+        }
         std::array<char, 24> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init)
-        const auto end =
-            std::to_chars(digits.data(), digits.data() + digits.size(), value, format...).ptr;
-        return isTextAppended({digits.data(), end});
+        char* const digitsEnd = digits.data() + digits.size();
+        return isLongTextAppended(
+            {digits.data(), std::to_chars(digits.data(), digitsEnd, value, format...).ptr});
     }
 
     bool isTextAppended(std::string_view text) {
-        if (longText.empty() && text.size() < buffer.size() - size) {
-            text.copy(buffer.data() + size, text.size());
-            size += text.size();
-            return true;
+        if (text.size() >= buffer.size() - size) {
+            return isLongTextAppended(text);
         }
-        try {
-            if (longText.empty()) {
-                longText.reserve(2 * buffer.size() + text.size());
-                longText.assign(buffer.data(), size);
-            }
-            longText.append(text);
-            return true;
-        } catch (const std::bad_alloc&) {
-            return false;  // the stream fails likewise, and says so by its state alone
-        }
+        text.copy(buffer.data() + size, text.size());
+        size += text.size();
+        return true;
     }
 
-    std::ostringstream& asStream() {
-        if (!stream) {
-            stream.emplace();
-            stream->imbue(locale);
-            *stream << (longText.empty() ? std::string_view(buffer.data(), size) : longText);
-        }
-        return *stream;
-    }
+    /// False if memory runs out. The stream then fails likewise, and tells nobody.
+    bool isLongTextAppended(std::string_view text);
+
+    std::ostringstream& asStream();
+
+    char* end() { return buffer.data() + buffer.size() - 1; }  // keeps room for the NUL
 
     std::array<char, 256> buffer;  // the first `size` bytes count, and room for a NUL
     std::size_t size = 0;
