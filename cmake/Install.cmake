@@ -12,7 +12,23 @@ install(EXPORT QuendFramework FILE QuendFrameworkTargets.cmake NAMESPACE Quend::
 # A client runs with the release that it was linked with: the version is part of the DLL's name.
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersion.cmake
   COMPATIBILITY ExactVersion)
+set(package_name Quend_Framework-${PROJECT_VERSION}-win64)
 if(MINGW)
+  # Of which MinGW-w64, and which C runtime: that is what a client must match.
+  file(WRITE ${PROJECT_BINARY_DIR}/mingw.h "#include <_mingw.h>\n")
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -E -dM ${PROJECT_BINARY_DIR}/mingw.h
+    OUTPUT_VARIABLE macros COMMAND_ERROR_IS_FATAL ANY)
+  set(c_runtime msvcrt)
+  if(macros MATCHES "#define _UCRT")
+    set(c_runtime ucrt)
+  endif()
+  string(APPEND package_name -mingw-${c_runtime})
+  foreach(part MAJOR MINOR)
+    string(REGEX MATCH "__MINGW64_VERSION_${part} ([0-9]+)" match "${macros}")
+    string(APPEND mingw_version .${CMAKE_MATCH_1})
+  endforeach()
+  string(SUBSTRING ${mingw_version} 1 -1 mingw_version)
+
   list(TRANSFORM runtime_libraries REPLACE ".*/" "" OUTPUT_VARIABLE runtime_names)
   configure_package_config_file(cmake/QuendFrameworkConfig.cmake.in QuendFrameworkConfig.cmake
     INSTALL_DESTINATION ${package_dir} NO_CHECK_REQUIRED_COMPONENTS_MACRO)
@@ -30,23 +46,7 @@ install(FILES examples/CMakeLists.txt DESTINATION examples)
 install(DIRECTORY examples/quick-start examples/first-module examples/modules
   DESTINATION examples)
 
-set(package_name Quend_Framework-${PROJECT_VERSION}-win64)
 if(MINGW)
-  # Of which MinGW-w64, and which C runtime: that is what a client must match.
-  file(WRITE ${PROJECT_BINARY_DIR}/mingw.h "#include <_mingw.h>\n")
-  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -E -dM ${PROJECT_BINARY_DIR}/mingw.h
-    OUTPUT_VARIABLE macros COMMAND_ERROR_IS_FATAL ANY)
-  if(macros MATCHES "#define _UCRT")
-    string(APPEND package_name -mingw-ucrt)
-  else()
-    string(APPEND package_name -mingw-msvcrt)
-  endif()
-  foreach(part MAJOR MINOR)
-    string(REGEX MATCH "__MINGW64_VERSION_${part} ([0-9]+)" match "${macros}")
-    string(APPEND mingw_version .${CMAKE_MATCH_1})
-  endforeach()
-  string(SUBSTRING ${mingw_version} 1 -1 mingw_version)
-
   configure_file(cmake/quend-framework.pc.in quend-framework.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/quend-framework.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -78,6 +78,14 @@ if(QuendFramework_FOUND OR NOT QuendFramework_NOT_FOUND_MESSAGE MATCHES "from so
   message(FATAL_ERROR "The package does not refuse MSVC.")
 endif()
 
+# So is a compiler for another C runtime; this one has only its macro.
+set(MSVC FALSE)
+set(CMAKE_CXX_COMPILER ${CMAKE_COMMAND} -E echo "#define _UCRT 1")
+find_package(QuendFramework QUIET NO_DEFAULT_PATH PATHS ${package})
+if(QuendFramework_FOUND OR NOT QuendFramework_NOT_FOUND_MESSAGE MATCHES "compiler's is ucrt")
+  message(FATAL_ERROR "The package does not refuse another C runtime.")
+endif()
+
 # The DLL leads to its debug information, which knows its lines. Its zip is unpacked over the package.
 file(ARCHIVE_EXTRACT INPUT ${debug_zip} DESTINATION ${WORK}/debug)
 file(COPY ${WORK}/debug/${name}/ DESTINATION ${package})
