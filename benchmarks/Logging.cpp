@@ -32,6 +32,7 @@ class CountingSink final : public LogSink {
     void write(std::uint32_t /*level*/, const char* /*text*/) override { ++count; }
 
  private:
+    ~CountingSink() = default;
     unsigned long count = 0;
 };
 
