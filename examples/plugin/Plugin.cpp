@@ -2,6 +2,7 @@
 // the environment variable LOGFILE names.
 #include <cstdlib>
 #include <memory>
+#include <string>
 
 #include "ConsoleSink.h"
 #include "FileSink.h"
@@ -33,11 +34,18 @@ class ConsoleAndFileSink final : public LogSink {
     std::unique_ptr<LogSink, Release> file;
 };
 
+std::string logFile() {
+    std::size_t size = 0;  // with the terminator; 0 if the variable is not set
+    getenv_s(&size, nullptr, 0, "LOGFILE");
+    std::string path(size, '\0');
+    const bool found = size > 0 && getenv_s(&size, path.data(), path.size(), "LOGFILE") == 0;
+    return found ? path : "component.log";
+}
+
 class Provider final : public LogSinkProvider {
  public:
     LogSink* createSink(const char* channelName) override {
-        const char* const path = std::getenv("LOGFILE");
-        return new ConsoleAndFileSink(channelName, path != nullptr ? path : "component.log");
+        return new ConsoleAndFileSink(channelName, logFile().c_str());
     }
 };
 
