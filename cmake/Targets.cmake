@@ -58,7 +58,7 @@ if(MINGW)
   configure_file(${PROJECT_SOURCE_DIR}/src/Exports.def ${exports} @ONLY)
   target_sources(QuendFramework PRIVATE ${exports})
   # The import library of GCC's linker is none for MSVC's linker and lld-link; LLVM makes theirs.
-  find_program(LLVM_DLLTOOL NAMES llvm-dlltool-22 llvm-dlltool-19 llvm-dlltool)
+  find_program(LLVM_DLLTOOL NO_CACHE NAMES llvm-dlltool-22 llvm-dlltool-19 llvm-dlltool)
   if(LLVM_DLLTOOL)
     set(import_library ${PROJECT_BINARY_DIR}/Quend_Framework_${PROJECT_VERSION}.lib)
     execute_process(COMMAND ${LLVM_DLLTOOL} -m i386:x86-64 -d ${exports} -l ${import_library}
@@ -70,10 +70,9 @@ if(MINGW)
   # It is found among the libraries of a cross compiler, and beside a compiler on Windows.
   cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH compiler_folder)
   foreach(name libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
-    find_file(QUEND_FRAMEWORK_${name} ${name}.dll REQUIRED NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH
+    find_file(file_${name} ${name}.dll REQUIRED NO_CACHE NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH
       PATHS ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES} ${compiler_folder})
-    mark_as_advanced(QUEND_FRAMEWORK_${name})
-    list(APPEND runtime_libraries ${QUEND_FRAMEWORK_${name}})
+    list(APPEND runtime_libraries ${file_${name}})
   endforeach()
   if(PROJECT_IS_TOP_LEVEL)
     file(COPY ${runtime_libraries} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})

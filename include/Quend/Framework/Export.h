@@ -1,5 +1,5 @@
 /// \file
-// QUEND_FRAMEWORK_API marks what crosses the boundary of the DLL. It has three states:
+/// QUEND_FRAMEWORK_API marks what crosses the boundary of the DLL. It has three states:
 ///   QUEND_FRAMEWORK_BUILDING  while the DLL itself is compiled,
 ///   QUEND_FRAMEWORK_STATIC    where the sources are linked straight into a program,
 ///   neither                   in a client, which imports from the DLL.
