@@ -39,13 +39,13 @@ struct Group {
 inline const std::vector<std::size_t> kNameCounts = {10, 100, 1'000, 10'000, 100'000, 1'000'000};
 inline const std::vector<std::size_t> kThreadCounts = {1, 2, 4, 8, 16};
 
-/// What runs a case so many times.
+/// Runs a case a given number of times.
 using Loop = std::function<void(std::size_t calls)>;
 void addLoop(const std::string& name, const Loop& loop, std::size_t threads);
 /// The same with 8 threads, each call timed by itself: its 99th and 99.9th percentile.
 void addTailLoop(const std::string& name, const Loop& loop);
 
-/// Calls `body` `calls` times, and has the compiler believe that its results are looked at.
+/// Calls `body` `calls` times, and keeps the compiler from dropping its results.
 template <typename Body>
 Loop loopOf(Body body) {
     return [body](std::size_t calls) mutable {
@@ -79,8 +79,8 @@ auto byAddress(Body body) {
     return [body, call = +[](Body& made) { return made(); }]() mutable { return call(body); };
 }
 
-/// The names of `count` entries, in an order that has nothing to do with that of the names. They
-/// are short enough for a std::string to hold them in place.
+/// The names of `count` entries, in random order. They are short
+/// enough for a std::string to hold them in place.
 template <typename String = std::string>
 std::vector<String> shuffledNames(std::size_t count) {
     std::vector<String> names;
@@ -99,7 +99,7 @@ inline std::string sized(const char* name, std::size_t size) {
     return std::string(name).append("/").append(std::to_string(size));
 }
 
-/// Goes round a list for ever, without a division. The list must outlive it.
+/// Cycles through a list, without a division. The list must outlive it.
 template <typename T>
 class Round {
  public:

@@ -1,4 +1,4 @@
-// A DLL with nothing in it but an entry point like the library's: what loading costs anyway.
+// A DLL with only an entry point like the library's: what loading any DLL costs.
 #include <windows.h>
 
 extern "C" __declspec(dllexport) BOOL WINAPI

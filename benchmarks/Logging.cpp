@@ -1,5 +1,5 @@
 // One sink, which only counts, on one channel. Bare: the same virtual call behind a plain
-// std::recursive_mutex; for LogMessage, with the text put together by std::to_chars before; for
+// std::recursive_mutex; for LogMessage, with the text composed by std::to_chars first; for
 // the full cache, the lock and one comparison.
 //
 // The peer gets the same message with the same arguments, one sink that only counts under a

@@ -1,6 +1,6 @@
 // The harness: PROGRAM table|growth [ROUNDS]. Prints one line for each round of each case,
 // "group/subject<TAB>nanoseconds". The cases of a group take turns in random order, so that a busy
-// moment of the machine hits all of them alike.
+// moment of the machine affects all of them.
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -29,7 +29,7 @@ double nanoseconds(Clock::duration duration) {
     return std::chrono::duration<double, std::nano>(duration).count();
 }
 
-// Runs `work` in so many threads, which start together. Returns the time from the first start to
+// Runs `work` in `count` threads, which start together. Returns the time from the first start to
 // the last end.
 template <typename Work>
 Clock::duration runInThreads(std::size_t count, const Work& work) {
@@ -89,7 +89,7 @@ void measureTail(const Case& each) {
 
 void measure(int rounds) {
     for (Case& each : cases) {
-        // The shortest of three, lest an interruption makes a round too short.
+        // The shortest of three: an interruption would make the rounds too short.
         while (!each.isTail && std::min({timeOf(each), timeOf(each), timeOf(each)}) <
                                    kRound * static_cast<int>(each.loops.size())) {
             each.calls *= 2;

@@ -1,7 +1,7 @@
-// What libraries that Debian has for Linux alone need for the same: the same names and values, the
+// Libraries that Debian has for Linux only, doing the same work: the same names and values, the
 // same message with the same arguments, one sink that only counts and does so under a lock, no
 // prefix formatted. glog and POCO stamp each message with the time and the thread before the sink
-// sees it, and cannot be told not to; Boost.Log stamps nothing unless asked to.
+// sees it, which cannot be turned off; Boost.Log stamps nothing unless asked to.
 #include <Poco/AutoPtr.h>
 #include <Poco/Channel.h>
 #include <Poco/LogStream.h>

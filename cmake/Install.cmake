@@ -14,7 +14,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersi
   COMPATIBILITY ExactVersion)
 set(package_name Quend_Framework-${PROJECT_VERSION}-win64)
 if(MINGW)
-  # Of which MinGW-w64, and which C runtime: that is what a client must match.
+  # The version of MinGW-w64 and the C runtime, which a client must match.
   file(WRITE ${PROJECT_BINARY_DIR}/mingw.h "#include <_mingw.h>\n")
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -E -dM ${PROJECT_BINARY_DIR}/mingw.h
     OUTPUT_VARIABLE macros COMMAND_ERROR_IS_FATAL ANY)
@@ -39,7 +39,7 @@ endif()
 install(FILES ${PROJECT_BINARY_DIR}/QuendFrameworkConfig.cmake
   ${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersion.cmake DESTINATION ${package_dir})
 
-# What a reader wants first lies at the root; links between the pages work as in the repository.
+# What a reader needs first is at the root; links between the pages work as in the repository.
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION .)
 install(DIRECTORY docs DESTINATION . FILES_MATCHING PATTERN *.md PATTERN *.svg)
 install(FILES examples/CMakeLists.txt DESTINATION examples)

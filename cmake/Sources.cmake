@@ -1,4 +1,4 @@
-# What compiles on Windows alone, and what the native builds of the checks compile as well.
+# What compiles on Windows only, and what the native builds compile as well.
 set(windows_sources
   command/CommandRunner.cpp
   core/EntryPoint.cpp

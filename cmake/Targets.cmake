@@ -57,7 +57,7 @@ if(MINGW)
   set(exports ${PROJECT_BINARY_DIR}/Quend_Framework_${PROJECT_VERSION}.def)
   configure_file(${PROJECT_SOURCE_DIR}/src/Exports.def ${exports} @ONLY)
   target_sources(QuendFramework PRIVATE ${exports})
-  # The import library of GCC's linker is none for MSVC's linker and lld-link; LLVM makes theirs.
+  # MSVC's linker and lld-link cannot use GCC's import library; LLVM makes one for them.
   find_program(LLVM_DLLTOOL NO_CACHE NAMES llvm-dlltool-22 llvm-dlltool-19 llvm-dlltool)
   if(LLVM_DLLTOOL)
     set(import_library ${PROJECT_BINARY_DIR}/Quend_Framework_${PROJECT_VERSION}.lib)

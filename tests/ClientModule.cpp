@@ -18,8 +18,8 @@ struct Object : IRegisteredObject {
 
 }  // namespace
 
-// Calls everything once; counts the destroyed objects in `destroyed`. Returns whether all went as
-// it should.
+// Calls everything once; counts the destroyed objects in `destroyed`. Returns whether everything
+// worked.
 extern "C" __declspec(dllexport) bool useLibrary(long* destroyed) {
     destroyedObjects = destroyed;
     const auto factory = []() -> IRegisteredObject* { return new Object; };

@@ -1,4 +1,4 @@
-// What of logging needs Windows: plug-in libraries, unloading, and the environment.
+// The parts of logging that need Windows: plug-in libraries, unloading, and the environment.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -114,7 +114,7 @@ TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
                                        reinterpret_cast<void*>(&recordingFreeLibrary));
         originalFreeLibrary = patch.original<BOOL WINAPI(HMODULE)>();
         manager.shutdownLogging();
-        // Released where it is due; but its code stays until the last sink is gone.
+        // Released in its turn, but its code stays until the last sink is gone.
         EXPECT_EQ(takeEvents(), "~provider FreeLibrary release FreeLibrary gone ");
     }
     EXPECT_EQ(takeEvents(), "");
@@ -160,7 +160,7 @@ Getenv* originalGetenv = nullptr;
 int environmentReads = 0;
 int failingRead = 0;
 
-// Asked for the size alone, Windows does not call that an error, other than Wine.
+// Windows, unlike Wine, does not treat a query for the size as an error.
 errno_t countingGetenv(std::size_t* size, wchar_t* buffer, std::size_t room, const wchar_t* name) {
     const errno_t error = originalGetenv(size, buffer, room, name);
     return ++environmentReads == failingRead ? EINVAL : room == 0 ? 0 : error;

@@ -28,7 +28,7 @@ void addProvider(LogManager& manager, std::string tag, Hook write = {}, Hook cre
         std::make_unique<TestProvider>(std::move(tag), std::move(write), std::move(create)));
 }
 
-// Another thread gets the lock: nobody left it held.
+// Another thread can take the lock.
 void expectLockFree(LogManager& manager) {
     std::thread([&] { manager.getChannel("none"); }).join();
 }
@@ -111,7 +111,7 @@ TEST_F(Logging, SinksAndProvidersMayCallBack) {
     manager.log(a, 1, "outer");
     EXPECT_EQ(takeEvents(),
               "pa:1outer pa:1same qa:1same pb:1another qb:1another pnew:1new qnew:1new qa:1outer ");
-    // Asked from inside for the name at hand: the inner channel stays, the outer one's sinks go.
+    // A provider asks for the same name: the inner channel stays, the outer one's sinks are released.
     auto* const own = manager.getChannel("own");
     EXPECT_EQ(takeEvents(), "pown:2inner qown:2inner -pown -qown ");
     EXPECT_EQ(own, inner);

@@ -61,8 +61,7 @@ TEST(ObjectReference, HoldsItsReferenceUntilItsEnd) {
     EXPECT_EQ(living, 0);
 }
 
-// What stands under the name before, what is asked for, and what comes of it. Whatever it is,
-// the name has as many references afterwards as before.
+// Whatever the name holds before and the factory returns, the name has as many references afterwards.
 TEST(ObjectReference, NeverHoldsNullNorAnotherType) {
     using Factory = IRegisteredObject* (*)();
     struct Row {

@@ -13,7 +13,7 @@ namespace {
 
 std::optional<ObjectReference<SharedText>> sharedText;
 
-// Says what is wrong with the file, or null.
+// Returns what is wrong with the file, or null.
 const char* readInto(SharedText& text, const char* path) {
     std::ifstream file(path, std::ios::binary | std::ios::ate);
     if (!file) {

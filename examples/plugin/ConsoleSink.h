@@ -20,7 +20,7 @@ class ConsoleSink final : public Quend::Framework::Logging::LogSink {
     void release() noexcept override { delete this; }
 
     // One call of printf, so that a line stays whole beside what the program prints itself. A
-    // console that takes nothing is ignored: a message is not worth the process.
+    // console that fails is ignored: a message is not worth the process.
     void write(std::uint32_t level, const char* text) override {
         SYSTEMTIME now{};
         GetLocalTime(&now);

@@ -1,4 +1,4 @@
-// What the models share: an input that is read as a row of decisions, and the check. The tests run
+// What the models share: an input that is read as a series of decisions, and the check. The tests run
 // each model on random bytes, tests/fuzz on those of libFuzzer.
 #pragma once
 

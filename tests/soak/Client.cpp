@@ -1,4 +1,4 @@
-// A client of the DLL that does everything that one can do with it, wrong things included.
+// A client of the DLL that calls everything, with mistakes too.
 #include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Framework.h>
 #include <Quend/Framework/MemoryManager.h>

@@ -1,4 +1,4 @@
-// The whole library in a module of its own, so that logging is loaded, used and unloaded as well.
+// The whole library linked into a module, so that logging is loaded, used and unloaded as well.
 #include <cstring>
 #include <memory>
 #include <mutex>

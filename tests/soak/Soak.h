@@ -1,4 +1,4 @@
-// Between the soak program and its two modules.
+// Shared by the soak program and its two modules.
 #pragma once
 
 #include <atomic>
