@@ -1,5 +1,5 @@
-# The portable sources built for this machine, for the sanitizers, libFuzzer, gcov and callgrind, which
-# the product's toolchain lacks. Not a product.
+# The portable sources built for this machine, for the sanitizers, libFuzzer, gcov and callgrind,
+# which the product's toolchain lacks. Not a product.
 include(${CMAKE_CURRENT_LIST_DIR}/Sources.cmake)
 add_library(QuendFrameworkPortable STATIC ${portable_sources})
 target_compile_features(QuendFrameworkPortable PUBLIC cxx_std_20)

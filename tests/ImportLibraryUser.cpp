@@ -1,5 +1,5 @@
-// A program without a C runtime, linked by a linker that knows nothing of GCC: it shows that the import
-// library works there.
+// A program without a C runtime, linked by a linker that knows nothing of GCC: it shows that the
+// import library works there.
 #include <Quend/Framework/MemoryManager.h>
 
 namespace memory = Quend::Framework::Management::MemoryManager;

@@ -5,8 +5,8 @@
 
 using Report = void (*)(const char* event);
 
-// The plug-in exports preparePlugin. It reports what happens to it to `report`, refuses to be loaded if
-// told so, and its sinks never return from writing "block".
+// The plug-in exports preparePlugin. It reports what happens to it to `report`, refuses to be
+// loaded if told so, and its sinks never return from writing "block".
 using PreparePlugin = void(Report report, bool isRefusing);
 
 // The module exports logInModule: loads the plug-in unless null, and logs to the channel "c".

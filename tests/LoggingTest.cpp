@@ -111,7 +111,8 @@ TEST_F(Logging, SinksAndProvidersMayCallBack) {
     manager.log(a, 1, "outer");
     EXPECT_EQ(takeEvents(),
               "pa:1outer pa:1same qa:1same pb:1another qb:1another pnew:1new qnew:1new qa:1outer ");
-    // A provider asks for the same name: the inner channel stays, the outer one's sinks are released.
+    // A provider asks for the same name: the inner channel stays, the outer one's sinks are
+    // released.
     auto* const own = manager.getChannel("own");
     EXPECT_EQ(takeEvents(), "pown:2inner qown:2inner -pown -qown ");
     EXPECT_EQ(own, inner);

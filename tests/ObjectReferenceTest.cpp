@@ -61,7 +61,8 @@ TEST(ObjectReference, HoldsItsReferenceUntilItsEnd) {
     EXPECT_EQ(living, 0);
 }
 
-// Whatever the name holds before and the factory returns, the name has as many references afterwards.
+// Whatever the name holds before and the factory returns, the name has as many references
+// afterwards.
 TEST(ObjectReference, NeverHoldsNullNorAnotherType) {
     using Factory = IRegisteredObject* (*)();
     struct Row {

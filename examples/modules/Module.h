@@ -3,8 +3,8 @@
 
 #define MODULE_EXPORT extern "C" __declspec(dllexport)
 
-// Starts the module with the text file and the settings file that the host was given. Prints what it
-// does. On failure it prints why, holds nothing and returns false.
+// Starts the module with the text file and the settings file that the host was given. Prints what
+// it does. On failure it prints why, holds nothing and returns false.
 using StartModule = bool(const char* textFile, const char* settingsFile);
 
 // Gives back everything the module holds. Called once, after startModule has returned true.

@@ -1,5 +1,5 @@
-// What the models share: an input that is read as a series of decisions, and the check. The tests run
-// each model on random bytes, tests/fuzz on those of libFuzzer.
+// What the models share: an input that is read as a series of decisions, and the check. The tests
+// run each model on random bytes, tests/fuzz on those of libFuzzer.
 #pragma once
 
 #include <algorithm>
