@@ -140,26 +140,26 @@ LSTATUS refuse() {
 TEST_F(RegistryTest, RefusalsBecomeExceptionsAndLeaveNothingBehind) {
     useShiftJis();
     linesOfErrors.reset();
-    for (const auto& [function, call, outcomes, onUnbound, hasName] : kOperations) {
-        SCOPED_TRACE(function);
-        EXPECT_EQ(outcome([call = call] { call(Registry(), "Software"); }), onUnbound);
-        const tests::ImportPatch patch(function, reinterpret_cast<void*>(&refuse));
+    for (const Operation& each : kOperations) {
+        SCOPED_TRACE(each.function);
+        EXPECT_EQ(outcome([&] { each.call(Registry(), "Software"); }), each.onUnbound);
+        const tests::ImportPatch patch(each.function, reinterpret_cast<void*>(&refuse));
         const std::pair<LSTATUS, const char*> cases[] = {
-            {ERROR_ACCESS_DENIED, outcomes.denied},
-            {ERROR_NO_MORE_ITEMS, outcomes.noMore},
-            {ERROR_FILE_NOT_FOUND, outcomes.other},
-            {ERROR_KEY_DELETED, outcomes.other},
-            {-1, outcomes.other},
+            {ERROR_ACCESS_DENIED, each.outcomes.denied},
+            {ERROR_NO_MORE_ITEMS, each.outcomes.noMore},
+            {ERROR_FILE_NOT_FOUND, each.outcomes.other},
+            {ERROR_KEY_DELETED, each.outcomes.other},
+            {-1, each.outcomes.other},
         };
         for (const auto& [code, expected] : cases) {
             injectedCode = code;
             const long before = tests::liveBlocks();
-            EXPECT_EQ(outcome([&, call = call] { call(key, "a"); }), expected) << code;
+            EXPECT_EQ(outcome([&] { each.call(key, "a"); }), expected) << code;
             EXPECT_EQ(tests::liveBlocks(), before) << code;
         }
         platformCalls = 0;
-        if (hasName) {
-            EXPECT_THROW(call(key, "\x82"), std::length_error);
+        if (each.hasName) {
+            EXPECT_THROW(each.call(key, "\x82"), std::length_error);
             EXPECT_EQ(platformCalls, 0);
         }
     }
