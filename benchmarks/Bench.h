@@ -47,8 +47,8 @@ void addTailLoop(const std::string& name, const Loop& loop);
 
 /// Calls `body` `calls` times, and keeps the compiler from dropping its results.
 template <typename Body>
-Loop loopOf(Body body) {
-    return [body](std::size_t calls) mutable {
+Loop loopOf(const Body& body) {
+    return [body = body](std::size_t calls) mutable {
         for (; calls > 0; --calls) {
             if constexpr (std::is_void_v<decltype(body())>) {
                 body();
@@ -61,7 +61,7 @@ Loop loopOf(Body body) {
 
 /// Adds one operation. Each thread works on its own copy of `body`.
 template <typename Body>
-void addCase(const std::string& name, Body body, [[maybe_unused]] std::size_t threads = 1) {
+void addCase(const std::string& name, const Body& body, [[maybe_unused]] std::size_t threads = 1) {
 #ifdef QUEND_COUNT_INSTRUCTIONS
     const Loop loop = loopOf(body);
     loop(200);  // lazy binding, the first allocations
@@ -75,8 +75,9 @@ void addCase(const std::string& name, Body body, [[maybe_unused]] std::size_t th
 
 /// Calls `body` by its address, as a function of another module is called, and never inlines it.
 template <typename Body>
-auto byAddress(Body body) {
-    return [body, call = +[](Body& made) { return made(); }]() mutable { return call(body); };
+auto byAddress(const Body& body) {
+    return
+        [body = body, call = +[](Body& made) { return made(); }]() mutable { return call(body); };
 }
 
 /// The names of `count` entries, in random order. They are short
@@ -89,8 +90,7 @@ std::vector<String> shuffledNames(std::size_t count) {
         const std::string name = "name-" + std::to_string(10'000'000 + i);
         names.emplace_back(name.begin(), name.end());
     }
-    std::shuffle(names.begin(), names.end(),
-                 std::mt19937(1));  // NOLINT(cert-msc51-cpp): repeatable
+    std::shuffle(names.begin(), names.end(), std::mt19937(1));  // the same order in each run
     return names;
 }
 

@@ -52,10 +52,13 @@ auto findOurs(const SharedObjects& all) {
     return [all, name = Round(all->names)]() mutable { return findObject(name.next().c_str()); };
 }
 
+// The library is given a C string too, and has to measure it.
+std::string_view measured(const char* name) { return name; }
+
 auto findBare(const SharedObjects& all) {
     return byAddress([all, name = Round(all->names)]() mutable {
         const std::lock_guard lock(all->mutex);
-        const auto found = all->bare.find(std::string_view(name.next().c_str()));
+        const auto found = all->bare.find(measured(name.next().c_str()));
         return found == all->bare.end() ? nullptr : found->second.object;
     });
 }
@@ -63,13 +66,13 @@ auto findBare(const SharedObjects& all) {
 auto registerBare(const SharedObjects& all) {
     auto addReference = byAddress([all, name = Round(all->names)]() mutable {
         const std::lock_guard lock(all->mutex);
-        BareEntry& entry = all->bare.find(std::string_view(name.next().c_str()))->second;
+        BareEntry& entry = all->bare.find(measured(name.next().c_str()))->second;
         ++entry.referenceCount;
         return entry.object;
     });
     auto removeReference = byAddress([all, name = Round(all->names)]() mutable {
         const std::lock_guard lock(all->mutex);
-        const auto found = all->bare.find(std::string_view(name.next().c_str()));
+        const auto found = all->bare.find(measured(name.next().c_str()));
         if (--found->second.referenceCount == 0) {
             all->bare.erase(found);
         }

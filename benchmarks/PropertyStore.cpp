@@ -58,7 +58,7 @@ void addRead(const std::shared_ptr<Properties>& all, const std::string& ours,
 
 #ifdef _WIN32
 template <typename Thrower>
-auto caught(Thrower thrower) {
+auto caught(const Thrower& thrower) {
     return [thrower] {
         try {
             thrower();

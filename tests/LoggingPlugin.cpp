@@ -14,7 +14,7 @@ Report reportTo = nullptr;
 bool refuses = false;
 
 struct Sink final : LogSink {
-    virtual ~Sink() = default;
+    ~Sink() = default;
     void release() noexcept override {
         reportTo("release");
         delete this;

@@ -35,8 +35,8 @@ IRegisteredObject* makeOther() { return new Other; }
 IRegisteredObject* refuse() { throw std::runtime_error("refused"); }
 
 using Reference = ObjectReference<Counted>;
-static_assert(!std::is_copy_constructible<Reference>::value, "one object, one reference");
-static_assert(std::is_nothrow_move_constructible<Reference>::value, "for containers");
+static_assert(!std::is_copy_constructible_v<Reference>, "one object, one reference");
+static_assert(std::is_nothrow_move_constructible_v<Reference>, "for containers");
 
 TEST(ObjectReference, HoldsItsReferenceUntilItsEnd) {
     {

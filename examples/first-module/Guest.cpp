@@ -31,6 +31,9 @@ extern "C" __declspec(dllexport) bool start() try {
 }
 
 extern "C" __declspec(dllexport) void stop() {
+    if (!guestbook) {
+        return;  // start() failed
+    }
     std::printf("%s: leaving, the book says: %s\n", GUEST, (*guestbook)->names().c_str());
     guestbook.reset();  // whoever leaves last destroys it
 }

@@ -50,6 +50,9 @@ MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsF
 }
 
 MODULE_EXPORT void stopModule() {
+    if (!sharedText) {
+        return;  // startModule() failed
+    }
     SharedText& text = **sharedText;
     show(L"report.title");
     show(L"report.footer");

@@ -34,6 +34,7 @@ class MessageText {
         if (!stream && isAppended(value)) {
             return;
         }
+        // NOLINTNEXTLINE(bugprone-unintended-char-ostream-output): as any stream does
         asStream() << std::forward<T>(value);
     }
 

@@ -31,7 +31,7 @@ struct TestSink final : LogSink {
     TestSink(std::string sinkTag, Hook write) : tag(std::move(sinkTag)), onWrite(std::move(write)) {
         ++liveSinks;
     }
-    virtual ~TestSink() { --liveSinks; }
+    ~TestSink() { --liveSinks; }
     void release() noexcept override {
         events.append("-").append(tag).append(" ");
         delete this;
@@ -132,7 +132,7 @@ inline void checkLogging(Input input) {
         }
         MODEL_CHECK(takeEvents() == expected);
         MODEL_CHECK(real.name == name && manager.getChannel(name.c_str()) == channel.handle);
-        MODEL_CHECK(real.overflowed == (channel.cache.size() == 102 ? 1 : 0));
+        MODEL_CHECK(real.overflowed == (channel.cache.size() == 102 ? 1U : 0U));
         MODEL_CHECK(real.cache.size() == channel.cache.size());
         for (std::size_t i = 0; i < real.cache.size(); ++i) {
             MODEL_CHECK(std::to_string(real.cache[i].level) + real.cache[i].text ==

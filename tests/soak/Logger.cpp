@@ -16,7 +16,7 @@ Tally* current = nullptr;
 
 struct Sink final : LogSink {
     Sink() { ++current->objects; }
-    virtual ~Sink() { --current->objects; }
+    ~Sink() { --current->objects; }
     void release() noexcept override { delete this; }
     void write(std::uint32_t, const char* text) override {
         --current->messages;

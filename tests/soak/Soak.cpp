@@ -51,7 +51,7 @@ void print(int rounds, const Figures& figures) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::chrono::duration<double> length(argc == 2 ? std::atof(argv[1]) * 60 : 0);
+    const std::chrono::duration<double> length(argc == 2 ? std::strtod(argv[1], nullptr) * 60 : 0);
     if (length.count() <= 0) {
         std::fputs("usage: Soak MINUTES\n", stderr);
         return 2;

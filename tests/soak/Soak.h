@@ -16,7 +16,7 @@ struct Tally {
         try {
             call();
             ++mistakes;
-        } catch (const Exception&) {  // NOLINT(bugprone-empty-catch): on purpose
+        } catch (const Exception&) {  // on purpose
         }
     }
 };

@@ -54,9 +54,9 @@ ImportPatch::~ImportPatch() {
 
 void ImportPatch::exchange(void* function) {
     DWORD protection = 0;
-    VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection);
+    VirtualProtect(static_cast<void*>(slot), sizeof(*slot), PAGE_READWRITE, &protection);
     *slot = function;
-    VirtualProtect(slot, sizeof(*slot), protection, &protection);
+    VirtualProtect(static_cast<void*>(slot), sizeof(*slot), protection, &protection);
 }
 
 }  // namespace tests
