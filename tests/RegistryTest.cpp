@@ -289,16 +289,20 @@ TEST(RegistryErrors, WhatIsComposedOnceAndNeverThrows) {
     const std::string expected =
         "Exception 'class Quend::RegistryAccess::Registry::NotFound' "
         "(Quend/RegistryAccess/Registry:1234567): m";
+#ifndef _MSC_VER  // whose names need no demangling
     bool demanglingFails = false;
     const auto realloc =
         tests::hook<"realloc", decltype(std::realloc)>([&](auto real, auto... arguments) {
             return demanglingFails ? nullptr : real(arguments...);
         });
+#endif
     tests::failEachAllocation([&](long, auto fail) {
         const Registry::NotFound error("m", 1234567);
+#ifndef _MSC_VER
         demanglingFails = true;
         EXPECT_STREQ(error.what(), "");
         demanglingFails = false;
+#endif
         std::string first(expected.size(), '?');
         fail([&] { first = error.what(); });
         EXPECT_EQ(first, tests::AllocationFault::happened() ? "" : expected);
