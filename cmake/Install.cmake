@@ -15,8 +15,11 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersi
 set(package_name Quend_Framework-${PROJECT_VERSION}-win64)
 if(MINGW)
   # The version of MinGW-w64 and the C runtime, which a client must match.
-  file(WRITE ${PROJECT_BINARY_DIR}/mingw.h "#include <_mingw.h>\n")
-  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -E -dM ${PROJECT_BINARY_DIR}/mingw.h
+  file(WRITE ${PROJECT_BINARY_DIR}/mingw.cpp "#include <_mingw.h>\n")
+  if(CMAKE_CXX_COMPILER_TARGET)  # clang, which compiles for several
+    set(target --target=${CMAKE_CXX_COMPILER_TARGET})
+  endif()
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} ${target} -E -dM ${PROJECT_BINARY_DIR}/mingw.cpp
     OUTPUT_VARIABLE macros COMMAND_ERROR_IS_FATAL ANY)
   set(c_runtime msvcrt)
   if(macros MATCHES "#define _UCRT")

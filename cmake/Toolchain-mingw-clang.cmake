@@ -13,3 +13,8 @@ set(CMAKE_C_COMPILER_TARGET x86_64-w64-mingw32)
 set(CMAKE_CXX_COMPILER_TARGET x86_64-w64-mingw32)
 # What GCC does unasked: thread-local variables as libstdc++ expects them, and posix threads.
 set(CMAKE_CXX_FLAGS_INIT "-femulated-tls -pthread")
+# llvm-objcopy cannot strip the runtime DLLs; the others read what GNU tools wrote.
+foreach(tool objcopy addr2line nm)
+  string(TOUPPER ${tool} variable)
+  set(CMAKE_${variable} /usr/bin/x86_64-w64-mingw32-${tool})
+endforeach()
