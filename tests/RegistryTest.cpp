@@ -306,7 +306,9 @@ TEST(RegistryErrors, WhatIsComposedOnceAndNeverThrows) {
         std::string first(expected.size(), '?');
         fail([&] { first = error.what(); });
         EXPECT_EQ(first, tests::AllocationFault::happened() ? "" : expected);
-        const Registry::NotFound copy(error);  // before or after the text is composed
+        // Made before or after the text is composed.
+        // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is under test
+        const Registry::NotFound copy(error);
         for (const auto* each : {&error, &copy}) {
             EXPECT_EQ(each->what(), expected);
         }
