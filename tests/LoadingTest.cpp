@@ -11,8 +11,8 @@
 
 #include "soak/Soak.h"
 #include "support/HeapBlocks.h"
-#include "support/ImportPatch.h"
 #include "support/ModuleExport.h"
+#include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
@@ -103,18 +103,14 @@ TEST(Loading, EachLoadSeedsWithTheMillisecondsOfTheClock) {
     }
 }
 
-std::vector<HMODULE> quietModules;
-
-BOOL WINAPI recordQuietModule(HMODULE module) {
-    quietModules.push_back(module);
-    return FALSE;  // as Windows answers for a module with a thread storage directory
-}
-
 TEST(Loading, ProcessAttachAloneTurnsThreadNotificationsOff) {
-    const tests::ImportPatch patch("DisableThreadLibraryCalls",
-                                   reinterpret_cast<void*>(&recordQuietModule));
+    std::vector<HMODULE> quietModules;
+    const auto hook = tests::hook<"DisableThreadLibraryCalls", decltype(DisableThreadLibraryCalls)>(
+        [&](auto, HMODULE module) {
+            quietModules.push_back(module);
+            return FALSE;  // as Windows answers for a module with a thread storage directory
+        });
     const HMODULE self = GetModuleHandleW(nullptr);
-    quietModules.clear();
     for (const DWORD reason : std::initializer_list<DWORD>{
              DLL_THREAD_ATTACH, DLL_THREAD_DETACH, DLL_PROCESS_DETACH, DLL_PROCESS_ATTACH}) {
         EXPECT_TRUE(quietModules.empty()) << reason;
