@@ -1,44 +1,70 @@
-// A client of the DLL that is loaded and unloaded with it.
+// A client of the DLL that is loaded and unloaded with it, and calls everything, with mistakes too.
 #include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Framework.h>
 #include <Quend/Framework/MemoryManager.h>
 
-using namespace Quend::Framework::Management::MemoryManager;
-using Quend::Framework::Exceptions::UnexistentProperty;
-using Quend::Framework::Framework::propertyManager;
-using Quend::Framework::Framework::randomNumber;
+#include <cstring>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include "soak/Soak.h"
 
 namespace {
 
-long* destroyedObjects = nullptr;
+using namespace Quend::Framework::Management::MemoryManager;
+using Quend::Framework::Exceptions::FrameworkException;
+using Quend::Framework::Framework::propertyManager;
+using Quend::Framework::Framework::randomNumber;
+
+std::atomic<Tally*> current{nullptr};
+std::mutex propertyMutex;  // the store has none: its users agree on one
 
 struct Object : IRegisteredObject {
-    ~Object() override { ++*destroyedObjects; }
+    Object() { ++current.load()->objects; }
+    ~Object() override { --current.load()->objects; }
 };
+
+IRegisteredObject* make() { return new Object; }
+IRegisteredObject* fail() { throw std::runtime_error("on purpose"); }
+IRegisteredObject* callBack() { return findObject("inner"); }
+
+void useObjects(Tally& tally, const std::string& name) {
+    IRegisteredObject* const object = registerObject(name.c_str(), make);
+    tally.require(object == findObject(name.c_str()));
+    unregisterObject(name.c_str());
+    // A name that nobody holds, or the factory would not be called.
+    tally.requireThrow<std::runtime_error>([] { registerObject("never held", fail); });
+    tally.requireThrow<std::system_error>([] { registerObject("never held", callBack); });
+}
+
+void useProperties(Tally& tally, const std::wstring& name) {
+    const std::lock_guard lock(propertyMutex);
+    propertyManager()->setProperty(name, L"a value that no short string holds");
+    propertyManager()->setProperty(name, propertyManager()->readProperty(name));
+    propertyManager()->clearProperty(name);
+    tally.requireThrow<FrameworkException>([&] { propertyManager()->readProperty(name); });
+}
+
+void useMemory(Tally& tally) {
+    void* const block = reallocate(allocate(randomNumber() % 1000U + 1U), 5000);
+    std::memset(block, 1, 5000);
+    deallocate(block);
+    tally.require(allocate(~0ULL / 2) == nullptr);
+}
 
 }  // namespace
 
-// Calls everything once; counts the destroyed objects in `destroyed`. Returns whether everything
-// worked.
-extern "C" __declspec(dllexport) bool useLibrary(long* destroyed) {
-    destroyedObjects = destroyed;
-    const auto factory = []() -> IRegisteredObject* { return new Object; };
-    const bool isNew = findObject("used") == nullptr;
-    const bool isFound = registerObject("used", factory) == findObject("used");
-    unregisterObject("used");
-    deallocate(reallocate(allocate(10), 1000));
-    propertyManager()->setProperty(L"name", L"value");
-    try {
-        propertyManager()->clearProperty(L"missing");
-    } catch (const UnexistentProperty&) {
-        randomNumber();
-        return isNew && isFound;
+extern "C" __declspec(dllexport) void work(Tally* tally) {
+    current = tally;
+    for (int i = 0; i < 100; ++i) {
+        useObjects(*tally, "object " + std::to_string(i % 13));
+        useProperties(*tally, L"property " + std::to_wstring(i % 7));
+        useMemory(*tally);
     }
-    return false;
 }
 
-extern "C" __declspec(dllexport) void leaveObjectBehind() {
-    registerObject("left behind", []() -> IRegisteredObject* { return new Object; });
-}
+extern "C" __declspec(dllexport) void leaveObjectBehind() { registerObject("left behind", make); }
 
 extern "C" __declspec(dllexport) unsigned short drawNumber() { return randomNumber(); }

@@ -18,6 +18,7 @@
 #include "support/Allocations.h"
 #include "support/ImportPatch.h"
 #include "support/ModuleExport.h"
+#include "support/PlatformCalls.h"
 
 namespace {
 
@@ -94,13 +95,6 @@ TEST(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
     });
 }
 
-BOOL(WINAPI* originalFreeLibrary)(HMODULE) = nullptr;
-
-BOOL WINAPI recordingFreeLibrary(HMODULE module) {
-    record("FreeLibrary");
-    return originalFreeLibrary(module);
-}
-
 TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
     {
         LogManager manager;
@@ -110,9 +104,11 @@ TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
         }
         manager.log(manager.getChannel("c"), 1, "text");
         EXPECT_EQ(takeEvents(), "text ");
-        const tests::ImportPatch patch("FreeLibrary",
-                                       reinterpret_cast<void*>(&recordingFreeLibrary));
-        originalFreeLibrary = patch.original<BOOL WINAPI(HMODULE)>();
+        const auto hook =
+            tests::hook<"FreeLibrary", decltype(FreeLibrary)>([](auto real, HMODULE module) {
+                record("FreeLibrary");
+                return real(module);
+            });
         manager.shutdownLogging();
         // Released in its turn, but its code stays until the last sink is gone.
         EXPECT_EQ(takeEvents(), "~provider FreeLibrary release FreeLibrary gone ");

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <stdexcept>
 
-#include "Soak.h"
+#include "soak/Soak.h"
 #include "logging/LogManager.h"
 #include "logging/LogMessage.h"
 

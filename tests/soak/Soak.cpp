@@ -1,7 +1,7 @@
 // Loads and unloads modules while threads work in them, and watches the figures of the process.
 //   Soak MINUTES
 // Ends with 1 when a figure has grown or a count does not add up.
-#include "Soak.h"
+#include "soak/Soak.h"
 
 #include <windows.h>
 
@@ -20,7 +20,7 @@ constexpr std::size_t kHeapSlack = 262'144;  // what the heap takes or returns a
 
 // One load, work and unload of both modules, with two threads in each.
 void runRound(Tally& tally) {
-    const wchar_t* const names[] = {L"SoakClient.dll", L"SoakLogger.dll"};
+    const wchar_t* const names[] = {L"ClientModule.dll", L"SoakLogger.dll"};
     std::vector<std::thread> threads;
     for (const wchar_t* const name : names) {
         auto* const work = tests::exportOf<Work>(LoadLibraryW(name), "work");

@@ -1,4 +1,4 @@
-// Shared by the soak program and its two modules.
+// Shared by the programs that load and unload modules, and these modules.
 #pragma once
 
 #include <atomic>
