@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <functional>
 #include <locale>
+#include <new>
 #include <random>
 #include <regex>
 #include <set>
@@ -290,6 +291,8 @@ TEST(RegistryErrors, WhatIsComposedOnceAndNeverThrows) {
         "Exception 'class Quend::RegistryAccess::Registry::NotFound' "
         "(Quend/RegistryAccess/Registry:1234567): m";
 #ifndef _MSC_VER  // whose names need no demangling
+    // The runtime ends the process if realloc fails at the thread's first exception.
+    EXPECT_THROW(throw std::bad_alloc(), std::bad_alloc);
     bool demanglingFails = false;
     const auto realloc =
         tests::hook<"realloc", decltype(std::realloc)>([&](auto real, auto... arguments) {
