@@ -19,8 +19,8 @@ inline std::optional<std::string> toNarrow(const std::wstring& text) {
     std::mbstate_t state{};
     for (const wchar_t unit : text.substr(0, text.find(L'\0'))) {
         char bytes[MB_LEN_MAX];
-        const std::size_t count = std::wcrtomb(bytes, unit, &state);
-        if (count > MB_LEN_MAX) {
+        std::size_t count = 0;
+        if (wcrtomb_s(&count, bytes, sizeof(bytes), unit, &state) != 0) {
             return std::nullopt;
         }
         result.append(bytes, count);
@@ -57,7 +57,9 @@ inline void checkConversions(Input input) {
     std::wstring wide;
     while (!input.isAtEnd()) {
         const unsigned bytes[] = {input.byte(), input.byte(), input.byte()};
-        narrow.append(std::begin(bytes), std::end(bytes));
+        for (const unsigned byte : bytes) {
+            narrow += static_cast<char>(byte);
+        }
         const unsigned unit = (bytes[0] << 16 | bytes[1] << 8 | bytes[2]) & mask;
         // On tag characters, a conversion of glibc's to ASCII fails an assertion.
         wide += unit >> 7 == 0xE0000 >> 7 ? L'?' : static_cast<wchar_t>(unit);

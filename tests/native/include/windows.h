@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 #include <filesystem>
 #include <string>
 
@@ -50,6 +51,12 @@ inline int wcstombs_s(std::size_t* converted, char* buffer, std::size_t size, co
 inline int mbstowcs_s(std::size_t* converted, wchar_t* buffer, std::size_t size, const char* text,
                       std::size_t count) {
     return native::convert(&std::mbstowcs, converted, buffer, size, text, count);
+}
+
+inline int wcrtomb_s(std::size_t* converted, char* buffer, std::size_t, wchar_t unit,
+                     std::mbstate_t* state) {
+    *converted = std::wcrtomb(buffer, unit, state);
+    return *converted == SIZE_MAX ? EILSEQ : 0;
 }
 
 // With a size of 0 it only stores the size needed: 0 for a variable that does not exist.
