@@ -80,8 +80,7 @@ auto byAddress(const Body& body) {
         [body = body, call = +[](Body& made) { return made(); }]() mutable { return call(body); };
 }
 
-/// The names of `count` entries, in random order. They are short
-/// enough for a std::string to hold them in place.
+/// The names of `count` entries, in random order, short enough for a std::string to hold in place.
 template <typename String = std::string>
 std::vector<String> shuffledNames(std::size_t count) {
     std::vector<String> names;
