@@ -9,7 +9,7 @@
 #include <string>
 #include <system_error>
 
-#include "soak/Soak.h"
+#include "support/Tally.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
-// The DLL as a client sees it: through the import library, with the shared runtime.
+// The DLL and the header-only helpers as a client uses them: through the import library, with the
+// shared runtime.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -6,14 +7,16 @@
 
 #include <cstring>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
-#include <Quend/Framework/Exceptions.h>
-#include <Quend/Framework/Framework.h>
-#include <Quend/Framework/MemoryManager.h>
+#include <Quend/Framework/ObjectReference.h>
+#include <Quend/Framework/ReadPropertyOr.h>
 
-#include "support/HeapBlocks.h"
+#include "support/ProcessFigures.h"
 #include "support/Threads.h"
 
 namespace {
@@ -22,6 +25,7 @@ using namespace Quend::Framework::Management::MemoryManager;
 using namespace Quend::Framework::Exceptions;
 using Quend::Framework::Framework::propertyManager;
 using Quend::Framework::Framework::randomNumber;
+using Quend::Framework::Framework::readPropertyOr;
 
 TEST(Client, MemoryComesFromTheRuntimesHeap) {
     void* const none =
@@ -87,6 +91,88 @@ TEST(Client, ShortLivedThreadsLoseNoBlock) {
     const std::size_t before = tests::heapBlocks();
     runThreads();
     EXPECT_LT(tests::heapBlocks(), before + kThreads / 4);
+}
+
+int living = 0;
+
+struct Counted : IRegisteredObject {
+    Counted() { ++living; }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+    ~Counted() override { --living; }
+};
+struct Other : Counted {};
+
+IRegisteredObject* makeNull() { return nullptr; }
+IRegisteredObject* makeCounted() { return new Counted; }
+IRegisteredObject* makeOther() { return new Other; }
+IRegisteredObject* refuse() { throw std::runtime_error("refused"); }
+
+using Reference = ObjectReference<Counted>;
+static_assert(!std::is_copy_constructible_v<Reference>, "one object, one reference");
+static_assert(std::is_nothrow_move_constructible_v<Reference>, "for containers");
+
+TEST(ObjectReference, HoldsItsReferenceUntilItsEnd) {
+    {
+        const Reference unnamed("");  // what one that was moved from would give back
+        const Reference first("shared");
+        Counted* const object = first.get();
+        EXPECT_EQ(findObject("shared"), object);
+        {
+            Reference moved("shared", refuse);  // not called: the object is there
+            Reference last(std::move(moved));
+            Reference assigned("other one");
+            assigned = std::move(last);  // gives "other one" back
+            EXPECT_EQ(findObject("other one"), nullptr);
+            EXPECT_EQ(&*assigned, object);
+            EXPECT_EQ(assigned.operator->(), object);
+        }
+        EXPECT_EQ(findObject("shared"), object) << "a reference too many was given back";
+        EXPECT_EQ(findObject(""), unnamed.get());
+        EXPECT_EQ(ObjectReference<IRegisteredObject>("shared").get(), object);
+    }
+    EXPECT_EQ(findObject("shared"), nullptr) << "a reference was kept";
+    EXPECT_EQ(living, 0);
+}
+
+// Whatever the name holds before and the factory returns, the name has as many references
+// afterwards.
+TEST(ObjectReference, NeverHoldsNullNorAnotherType) {
+    struct Row {
+        IRegisteredObject* (*before)();  // null: the name is free
+        IRegisteredObject* (*factory)();
+    };
+    for (const auto& [before, factory] :
+         {Row{nullptr, makeNull}, Row{makeNull, makeOther}, Row{makeNull, makeNull},
+          Row{makeCounted, makeOther}, Row{nullptr, makeCounted}}) {
+        before != nullptr ? registerObject("name", before) : nullptr;
+        const int livingBefore = living;
+        try {
+            const ObjectReference<Other> reference("name", factory);
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (const InvalidArgument& error) {
+            EXPECT_EQ(error.getMessage(), "The registered object is null or of another type: name");
+        }
+        EXPECT_EQ(living, livingBefore);
+        before != nullptr ? unregisterObject("name") : void();
+        // Free now: were a reference left, this would count one more and keep the object.
+        registerObject("name", makeOther);
+        unregisterObject("name");
+        EXPECT_EQ(findObject("name"), nullptr) << "a reference was kept";
+        EXPECT_EQ(living, 0);
+    }
+    EXPECT_THROW(Reference("name", refuse), std::runtime_error);
+    EXPECT_EQ(findObject("name"), nullptr);
+}
+
+TEST(ObjectReference, MemoryAndPropertiesHaveTheirHelpers) {
+    const std::size_t before = tests::heapBlocks();
+    std::unique_ptr<void, BlockDeleter>(allocate(4)).reset(allocate(5));
+    EXPECT_EQ(tests::heapBlocks(), before) << "blocks were not given back";
+    EXPECT_EQ(readPropertyOr(L"helper", L"fallback"), L"fallback");
+    propertyManager()->setProperty(L"helper", L"");
+    EXPECT_EQ(readPropertyOr(L"helper", L"fallback"), L"");
+    propertyManager()->clearProperty(L"helper");
 }
 
 TEST(Client, VersionResourceNamesTheRelease) {

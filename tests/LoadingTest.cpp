@@ -5,26 +5,29 @@
 
 #include <sys/timeb.h>
 
+#include <array>
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <set>
 #include <vector>
 
-#include "soak/Soak.h"
-#include "support/HeapBlocks.h"
 #include "support/ModuleExport.h"
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
+#include "support/Tally.h"
+#include "support/Threads.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 
 namespace {
 
+constexpr const char* kLibrary = "Quend_Framework_" QUEND_VERSION ".dll";
+
 class LoadedModule {
  public:
-    LoadedModule() : module(LoadLibraryW(L"ClientModule.dll")) {
-        if (module == nullptr || GetModuleHandleA(kLibrary) == nullptr) {
-            ADD_FAILURE() << "not loaded, error " << GetLastError();
-        }
+    explicit LoadedModule(const char* name = "ClientModule.dll") : module(LoadLibraryA(name)) {
+        EXPECT_NE(module, nullptr) << "error " << GetLastError();
     }
     ~LoadedModule() {
         FreeLibrary(module);
@@ -39,36 +42,52 @@ class LoadedModule {
     }
 
  private:
-    static constexpr const char* kLibrary = "Quend_Framework_" QUEND_VERSION ".dll";
     HMODULE module;
 };
 
+// scripts/soak runs this test for the minutes that it sets in the environment.
 TEST(Loading, ManyCyclesLeaveTheProcessAsItWas) {
     Tally tally;
-    const auto cycle = [&](int count) {
-        for (int i = 0; i < count; ++i) {
-            const LoadedModule module;
-            module.find<Work>("work")(&tally);
+    const auto runRounds = [&](int rounds) {
+        for (; rounds > 0; --rounds) {
+            const LoadedModule logging("LoggingModule.dll");
+            const LoadedModule client;
+            tests::inThreads(4, [&](unsigned thread) {
+                (thread % 2 == 0 ? client : logging).find<Work>("work")(&tally);
+            });
         }
-        EXPECT_EQ(tally.mistakes + tally.objects, 0);
+        EXPECT_EQ(tally.objects, 0) << "made and not destroyed";
     };
-    constexpr int kCycles = 100;
-    cycle(20);
+    runRounds(20);  // what is allocated once, is now
+    std::array<char, 16> minutes{};
+    GetEnvironmentVariableA("QUEND_SOAK_MINUTES", minutes.data(), minutes.size());
+    const std::chrono::duration<double> length(60 * std::strtod(minutes.data(), nullptr));
+    const auto start = std::chrono::steady_clock::now();
     const std::size_t handles = tests::handleCount();
     const DWORD tlsIndex = tests::nextTlsIndex();
     const std::size_t committed = tests::committedBytes();
     const std::size_t blocks = tests::heapBlocks();
-    cycle(kCycles);
-    EXPECT_LT(tests::heapBlocks(), blocks + kCycles);
+    std::size_t rounds = 0;
+    do {
+        runRounds(100);
+        rounds += 100;
+        std::printf("%7zu rounds: %zu handles, TLS index %lu, %zu KiB, %zu blocks\n", rounds,
+                    tests::handleCount(), tests::nextTlsIndex(), tests::committedBytes() / 1024,
+                    tests::heapBlocks());
+    } while (std::chrono::steady_clock::now() - start < length && !HasFailure());
+    EXPECT_LT(tests::heapBlocks(), blocks + rounds);
     EXPECT_EQ(tests::handleCount(), handles);
     EXPECT_EQ(tests::nextTlsIndex(), tlsIndex);
-    EXPECT_LE(tests::committedBytes(), committed + 65'536);
+    EXPECT_LE(tests::committedBytes(), committed + 262'144);  // what the heap takes at once
+    EXPECT_EQ(tally.messages, 0) << "logged and not written";
+    EXPECT_EQ(tally.mistakes, 0);
 }
 
 TEST(Loading, UnloadingLeavesRegisteredObjectsAlone) {
     Tally tally;
     {
         const LoadedModule module;
+        EXPECT_NE(GetModuleHandleA(kLibrary), nullptr);
         module.find<Work>("work")(&tally);
         module.find<void()>("leaveObjectBehind")();
     }

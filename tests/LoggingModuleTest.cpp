@@ -5,16 +5,15 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 #include <thread>
-#include <utility>
 
 #include "LoggingPlugin.h"
 #include "logging/DebugString.h"
-#include "logging/LogManager.h"
-#include "logging/ProviderRegistry.h"
+#include "models/Logging.h"
 #include "support/Allocations.h"
 #include "support/ImportPatch.h"
 #include "support/ModuleExport.h"
@@ -22,70 +21,61 @@
 
 namespace {
 
-using namespace Quend::Framework::Logging;
+using namespace tests;
 
 const wchar_t* const kPlugin = L"LoggingPlugin.dll";
 const wchar_t* const kModule = L"LoggingModule.dll";
-std::string& events = *new std::string;  // not destroyed: plug-ins may end later
 
 void record(const char* event) { events.append(event).append(" "); }
 
-std::string takeEvents() { return std::exchange(events, {}); }
+// The plug-in stays loaded as long as the result lives.
+std::shared_ptr<HINSTANCE__> preparePlugin(Report report, bool isRefusing = false) {
+    std::shared_ptr<HINSTANCE__> module(LoadLibraryW(kPlugin), FreeLibrary);
+    exportOf<PreparePlugin>(module.get(), "preparePlugin")(report, isRefusing);
+    return module;
+}
 
-// Keeps the plug-in loaded while it is being prepared.
-class PreparedPlugin {
- public:
-    explicit PreparedPlugin(Report report, bool isRefusing = false)
-        : module(LoadLibraryW(kPlugin)) {
-        tests::exportOf<PreparePlugin>(module, "preparePlugin")(report, isRefusing);
-    }
-    ~PreparedPlugin() { FreeLibrary(module); }
-    PreparedPlugin(const PreparedPlugin&) = delete;
-    PreparedPlugin& operator=(const PreparedPlugin&) = delete;
-
- private:
-    HMODULE module;
+struct LoggingPlugin : testing::Test {
+    LoggingPlugin() { events.clear(); }
 };
 
-TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
+TEST_F(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
     struct Row {
         const wchar_t* path;
-        const char* error;
         int code;
+        const char* error;
     };
-    for (const auto& [path, error, code] :
-         {Row{kPlugin, "The entry point of the plug-in library returned no provider", 0},
-          Row{kModule, "The plug-in library has no entry point createLogSinkProvider", 0},
-          Row{L"no such \u00e9.dll", "Cannot load the plug-in library no such ?.dll",
-              ERROR_MOD_NOT_FOUND}}) {
+    for (const auto& [path, code, error] :
+         {Row{kPlugin, 0, "The entry point of the plug-in library returned no provider"},
+          Row{kModule, 0, "The plug-in library has no entry point createLogSinkProvider"},
+          Row{L"no such \u00e9.dll", ERROR_MOD_NOT_FOUND,
+              "Cannot load the plug-in library no such ?.dll"}}) {
         LogManager manager;
-        {
-            const PreparedPlugin prepared(record, true);
-            try {
-                manager.loadPluginLibrary(path);
-                ADD_FAILURE();
-            } catch (const std::runtime_error& caught) {
-                EXPECT_EQ(std::string(caught.what()).find(error), 0U) << caught.what();
-                const auto* refusal = dynamic_cast<const std::system_error*>(&caught);
-                EXPECT_EQ(refusal != nullptr ? refusal->code().value() : 0, code);
-            }
+        auto prepared = preparePlugin(record, true);
+        try {
+            manager.loadPluginLibrary(path);
+            ADD_FAILURE();
+        } catch (const std::runtime_error& caught) {
+            EXPECT_TRUE(std::string(caught.what()).starts_with(error)) << caught.what();
+            const auto* refusal = dynamic_cast<const std::system_error*>(&caught);
+            EXPECT_EQ(refusal != nullptr ? refusal->code().value() : 0, code);
         }
+        prepared.reset();
         EXPECT_TRUE(providerRegistry.empty());
         EXPECT_EQ(GetModuleHandleW(path), nullptr);
         EXPECT_EQ(takeEvents(), "gone ");
-        std::thread([&] { manager.getChannel("c"); }).join();  // the lock is free
+        expectLockFree(manager);
     }
 }
 
-TEST(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
+TEST_F(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
     ProviderRegistry().swap(providerRegistry);  // which keeps its room
-    tests::failEachAllocation([](long, auto fail) {
+    failEachAllocation([](long, auto fail) {
         {
             LogManager manager;
-            const bool failed = [&] {
-                const PreparedPlugin plugin([](const char*) {});
-                return fail([&] { manager.loadPluginLibrary(kPlugin); });
-            }();
+            auto plugin = preparePlugin([](const char*) {});
+            const bool failed = fail([&] { manager.loadPluginLibrary(kPlugin); });
+            plugin.reset();
             EXPECT_EQ(providerRegistry.size(), failed ? 0U : 1U);
             EXPECT_EQ(GetModuleHandleW(kPlugin) == nullptr, failed);
         }
@@ -95,39 +85,23 @@ TEST(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
     });
 }
 
-TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
+TEST_F(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
+    LogManager manager;
+    auto plugin = preparePlugin(record);
+    manager.loadPluginLibrary(kPlugin);
+    plugin.reset();
+    manager.log(manager.getChannel("c"), 1, "text");
     {
-        LogManager manager;
-        {
-            const PreparedPlugin plugin(record);
-            manager.loadPluginLibrary(kPlugin);
-        }
-        manager.log(manager.getChannel("c"), 1, "text");
-        EXPECT_EQ(takeEvents(), "text ");
         const auto hook =
             tests::hook<"FreeLibrary", decltype(FreeLibrary)>([](auto real, HMODULE module) {
                 record("FreeLibrary");
                 return real(module);
             });
         manager.shutdownLogging();
-        // Released in its turn, but its code stays until the last sink is gone.
-        EXPECT_EQ(takeEvents(), "~provider FreeLibrary release FreeLibrary gone ");
+        manager.shutdownLogging();
     }
-    EXPECT_EQ(takeEvents(), "");
-}
-
-HMODULE logInLoadedModule(Report report, const char* text) {
-    const HMODULE module = LoadLibraryW(kModule);
-    const PreparedPlugin plugin(report);
-    tests::exportOf<LogInModule>(module, "logInModule")(kPlugin, 1, text);
-    return module;
-}
-
-TEST(LoggingPlugin, UnloadingTheWholeModuleEndsItsPluginsOnce) {
-    EXPECT_TRUE(FreeLibrary(logInLoadedModule(record, "text")));
-    EXPECT_EQ(takeEvents(), "text ~provider release gone ");
-    EXPECT_EQ(GetModuleHandleW(kModule), nullptr);
-    EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
+    // Released in its turn, but its code stays until the last sink is gone.
+    EXPECT_EQ(takeEvents(), "text ~provider FreeLibrary release FreeLibrary gone ");
 }
 
 HANDLE entered = nullptr;
@@ -139,7 +113,11 @@ void reportToStderr(const char* event) {
 
 void exitWithModuleLoaded(const char* text, bool isThreadInside) {
     entered = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    std::thread thread([=] { logInLoadedModule(reportToStderr, text); });
+    std::thread thread([text] {
+        const HMODULE module = LoadLibraryW(kModule);
+        const auto plugin = preparePlugin(reportToStderr);
+        exportOf<LogInModule>(module, "logInModule")(kPlugin, 1, text);
+    });
     WaitForSingleObject(entered, INFINITE);
     isThreadInside ? thread.detach() : thread.join();
     std::exit(7);
@@ -163,7 +141,7 @@ errno_t countingGetenv(std::size_t* size, wchar_t* buffer, std::size_t room, con
 }
 
 TEST(LoggingEnvironment, DebugStringIsRead) {
-    const tests::ImportPatch patch("_wgetenv_s", reinterpret_cast<void*>(&countingGetenv));
+    const ImportPatch patch("_wgetenv_s", reinterpret_cast<void*>(&countingGetenv));
     originalGetenv = patch.original<Getenv>();
     struct Row {
         const wchar_t* value;
@@ -172,8 +150,8 @@ TEST(LoggingEnvironment, DebugStringIsRead) {
         int reads;
     };
     for (const auto& [value, failing, isRequested, reads] :
-         {Row{L"", 0, false, 1}, Row{L"1", 0, true, 2}, Row{L"longer than in place", 0, true, 2},
-          Row{L"1", 1, false, 1}, Row{L"1", 2, false, 2}}) {
+         {Row{L"1", 0, true, 2}, Row{L"longer than in place", 0, true, 2}, Row{L"1", 1, false, 1},
+          Row{L"1", 2, false, 2}, Row{L"", 0, false, 1}}) {
         _wputenv_s(L"QUEND_OUTPUT_DEBUG_STRING", value);  // an empty one removes it
         environmentReads = 0;
         failingRead = failing;
@@ -182,26 +160,26 @@ TEST(LoggingEnvironment, DebugStringIsRead) {
         EXPECT_EQ(environmentReads, reads);
         EXPECT_EQ(isRequested ? setting : value, value);
     }
-    _wputenv_s(L"QUEND_OUTPUT_DEBUG_STRING", L"");
 }
 
-TEST(LoggingEnvironment, OnlyTheFirstLoggedMessageReadsTheDebugString) {
+TEST_F(LoggingPlugin, ModuleReadsTheEnvironmentOnceAndEndsItsPluginsAtUnload) {
     const HMODULE module = LoadLibraryW(kModule);
+    auto* const logInModule = exportOf<LogInModule>(module, "logInModule");
     {
-        const tests::ImportPatch patch("_wgetenv_s", reinterpret_cast<void*>(&countingGetenv),
-                                       module);
+        const ImportPatch patch("_wgetenv_s", reinterpret_cast<void*>(&countingGetenv), module);
         originalGetenv = patch.original<Getenv>();
-        failingRead = 0;
-        auto* const logInModule = tests::exportOf<LogInModule>(module, "logInModule");
-        environmentReads = 0;
-        logInModule(nullptr, 0, "not logged");
+        environmentReads = failingRead = 0;
+        const auto plugin = preparePlugin(record);
+        logInModule(kPlugin, 0, "not logged");
         EXPECT_EQ(environmentReads, 0);
-        logInModule(nullptr, 1, "the first");
+        logInModule(nullptr, 1, "first");
+        logInModule(nullptr, 1, "second");
         EXPECT_EQ(environmentReads, 1);  // it is not there
-        logInModule(nullptr, 1, "the second");
-        EXPECT_EQ(environmentReads, 1);
     }
-    FreeLibrary(module);
+    EXPECT_TRUE(FreeLibrary(module));
+    EXPECT_EQ(takeEvents(), "first second ~provider release gone ");
+    EXPECT_EQ(GetModuleHandleW(kModule), nullptr);
+    EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
 }
 
 }  // namespace

@@ -9,5 +9,6 @@ using Report = void (*)(const char* event);
 // loaded if told so, and its sinks never return from writing "block".
 using PreparePlugin = void(Report report, bool isRefusing);
 
-// The module exports logInModule: loads the plug-in unless null, and logs to the channel "c".
+// The module exports logInModule: loads the plug-in unless null, and logs to a channel for which
+// only the plug-in has a sink.
 using LogInModule = void(const wchar_t* plugin, std::uint32_t level, const char* text);

@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <functional>
-#include <initializer_list>
+#include <future>
+#include <memory>
 #include <stdexcept>
 #include <string>
-#include <string_view>
-#include <thread>
 #include <type_traits>
 #include <utility>
 
@@ -23,16 +20,6 @@ namespace {
 
 using namespace tests;
 
-void addProvider(LogManager& manager, std::string tag, Hook write = {}, Hook create = {}) {
-    manager.registerSinkProvider(
-        std::make_unique<TestProvider>(std::move(tag), std::move(write), std::move(create)));
-}
-
-// Another thread can take the lock.
-void expectLockFree(LogManager& manager) {
-    std::thread([&] { manager.getChannel("none"); }).join();
-}
-
 class Logging : public testing::Test {
  protected:
     Logging() {
@@ -40,19 +27,24 @@ class Logging : public testing::Test {
         events.reserve(10'000);
         ProviderRegistry().swap(providerRegistry);  // which keeps its room
     }
+    void addProvider(std::string tag, Callback write = {}, Callback create = {}) {
+        manager.registerSinkProvider(
+            std::make_unique<TestProvider>(std::move(tag), std::move(write), std::move(create)));
+    }
+
+    LogManager manager;
 };
 
 TEST_F(Logging, MatchesModelOverRandomOperations) { runOnRandomInputs(&checkLogging); }
 
 TEST_F(Logging, ReplayIntoThrowingOrLoggingSink) {
-    LogManager manager;
     auto* const handle = manager.getChannel("c");
     LogChannel& channel = *handle->channel;
     for (const char* text : {"1", "2", "3"}) {
         manager.log(handle, 7, text);
     }
     bool isThrowing = true;
-    addProvider(manager, "p", [&](const std::string& text) {
+    addProvider("p", [&](const std::string& text) {
         if (isThrowing && text == "2") {
             throw std::runtime_error("sink");
         }
@@ -62,7 +54,7 @@ TEST_F(Logging, ReplayIntoThrowingOrLoggingSink) {
             }
         }
     });
-    addProvider(manager, "q");
+    addProvider("q");
     EXPECT_THROW(attachSinks(channel), std::runtime_error);
     EXPECT_EQ(channel.cache.size(), 43U);
     expectLockFree(manager);
@@ -81,12 +73,11 @@ TEST_F(Logging, ReplayIntoThrowingOrLoggingSink) {
 }
 
 TEST_F(Logging, SinksAndProvidersMayCallBack) {
-    LogManager manager;
     ChannelHandle a = nullptr;
     ChannelHandle inner = nullptr;
     std::string name = "changed";
     addProvider(
-        manager, "p",
+        "p",
         [&](const std::string& text) {
             if (text == "outer") {
                 manager.log(a, 1, "same");
@@ -102,10 +93,10 @@ TEST_F(Logging, SinksAndProvidersMayCallBack) {
             } else if (channel == "changed") {
                 name = "since";
             } else if (channel == "c") {
-                addProvider(manager, "late");
+                addProvider("late");
             }
         });
-    addProvider(manager, "q");
+    addProvider("q");
     a = manager.getChannel("a");
     EXPECT_EQ(takeEvents(), "pb:2asked qb:2asked ");
     manager.log(a, 1, "outer");
@@ -135,10 +126,9 @@ TEST_F(Logging, ExceptionsPassThroughAndLeaveNothingBehind) {
             throw std::runtime_error("plug-in");
         }
     };
-    LogManager manager;
     manager.getChannel("none");
-    addProvider(manager, "p");
-    addProvider(manager, "q", throwIf, throwIf);
+    addProvider("p");
+    addProvider("q", throwIf, throwIf);
     EXPECT_THROW(manager.getChannel("c"), std::runtime_error);
     EXPECT_EQ(takeEvents(), "-pc ");
     EXPECT_EQ(liveSinks, 0);
@@ -160,14 +150,12 @@ TEST_F(Logging, ExceptionsPassThroughAndLeaveNothingBehind) {
 }
 
 TEST_F(Logging, ShutdownDeletesProvidersThenReleasesSinksInOrder) {
-    {
-        LogManager manager;
-        addProvider(manager, "2");
-        addProvider(manager, "1");
-        for (const char* name : {"b", "\xff", "none", "a"}) {
-            manager.log(manager.getChannel(name), 0, "never written");
-        }
+    addProvider("2");
+    addProvider("1");
+    for (const char* name : {"b", "\xff", "none", "a"}) {
+        manager.log(manager.getChannel(name), 0, "never written");
     }
+    manager.shutdownLogging();
     EXPECT_EQ(takeEvents(), "~2 ~1 -2a -1a -2b -1b -2\xff -1\xff ");
     EXPECT_TRUE(providerRegistry.empty());
     EXPECT_EQ(liveSinks, 0);
@@ -176,43 +164,48 @@ TEST_F(Logging, ShutdownDeletesProvidersThenReleasesSinksInOrder) {
 const char* const kLongText = "and more of it than a short string holds in place";
 
 TEST_F(Logging, FailedAllocationLeavesTheStatedState) {
-    enum Step { kGetChannel, kCache, kCacheMarker, kRegister };
-    for (const Step step : {kGetChannel, kCache, kCacheMarker, kRegister}) {
-        SCOPED_TRACE(step);
+    struct Row {
+        std::size_t cached;  // before the call; the 102nd is the marker
+        void (*call)(LogManager&, ChannelHandle);
+        unsigned newSinks, newProviders, newRecords;
+    };
+    const auto log = [](LogManager& m, ChannelHandle channel) { m.log(channel, 1, kLongText); };
+    for (const Row& row :
+         {Row{4, [](LogManager&m, ChannelHandle) { m.getChannel(kLongText); }, 2, 0, 0},
+          Row{4, log, 0, 0, 1}, Row{101, log, 0, 0, 1},
+          Row{4,
+              [](LogManager&m, ChannelHandle) {
+                  m.registerSinkProvider(std::make_unique<TestProvider>("q"));
+              },
+              0, 1, 0}}) {
         failEachAllocation([&](long, auto fail) {
-            const struct GiveBackRegistry {  // which keeps its room
-                ~GiveBackRegistry() { ProviderRegistry().swap(providerRegistry); }
-            } giveBackRegistry;
-            events.clear();
-            LogManager manager;
-            auto* const handle = manager.getChannel("none");
-            LogChannel& channel = *handle->channel;
-            const std::size_t cached = step == kCacheMarker ? 101 : 4;
-            for (std::size_t i = 0; i < cached; ++i) {
-                manager.log(handle, 1, kLongText);
+            ProviderRegistry().swap(providerRegistry);
+            LogManager each;
+            auto* const handle = each.getChannel("none");
+            for (std::size_t i = 0; i < row.cached; ++i) {
+                log(each, handle);
             }
-            addProvider(manager, "p");
-            addProvider(manager, kLongText + std::string("!"));
-            const std::array<std::function<void()>, 4> steps = {
-                [&] { manager.getChannel(kLongText); }, [&] { manager.log(handle, 1, kLongText); },
-                [&] { manager.log(handle, 1, kLongText); }, [&] { addProvider(manager, "q"); }};
-            const bool failed = fail([&] { steps.at(step)(); });
-            const auto ifDone = [&](Step which) { return !failed && step == which ? 1U : 0U; };
-            EXPECT_EQ(liveSinks, 2 * ifDone(kGetChannel));
-            EXPECT_EQ(providerRegistry.size(), 2 + ifDone(kRegister));
-            EXPECT_EQ(channel.cache.size(), cached + ifDone(kCache) + ifDone(kCacheMarker));
-            EXPECT_EQ(channel.overflowed, ifDone(kCacheMarker));
-            expectLockFree(manager);
-            EXPECT_EQ(manager.getChannel(kLongText)->channel->sinks.size(),
-                      providerRegistry.size());
+            for (const char* tag : {"p", "a tag that no short string holds in place"}) {
+                each.registerSinkProvider(std::make_unique<TestProvider>(tag));
+            }
+            const unsigned done = fail([&] { row.call(each, handle); }) ? 0 : 1;
+            EXPECT_EQ(liveSinks, done * row.newSinks);
+            EXPECT_EQ(providerRegistry.size(), 2 + done * row.newProviders);
+            const std::size_t cached = row.cached + done * row.newRecords;
+            EXPECT_EQ(handle->channel->cache.size(), cached);
+            EXPECT_EQ(handle->channel->overflowed, cached / 102);
+            expectLockFree(each);
+            EXPECT_EQ(each.getChannel(kLongText)->channel->sinks.size(), providerRegistry.size());
+            each.shutdownLogging();
+            events.clear();
+            ProviderRegistry().swap(providerRegistry);
             return 0L;
         });
     }
 }
 
 TEST_F(Logging, LoggingToASinkAllocatesNothing) {
-    LogManager manager;
-    addProvider(manager, "p");
+    addProvider("p");
     auto* const handle = manager.getChannel(kLongText);
     manager.log(handle, 1, kLongText);  // the first of the process
     const long before = allocationsSoFar();
@@ -223,8 +216,7 @@ TEST_F(Logging, LoggingToASinkAllocatesNothing) {
 
 TEST_F(Logging, LogMessageEmitsExactlyWhatWasInserted) {
     static_assert(std::is_nothrow_destructible_v<LogMessage>);
-    LogManager manager;
-    addProvider(manager, "p");
+    addProvider("p");
     auto* const handle = manager.getChannel("c");
     LogMessage(handle, 0) << "nothing";
     { const LogMessage empty(handle, 4'000'000'000); }
@@ -236,14 +228,8 @@ TEST_F(Logging, LogMessageEmitsExactlyWhatWasInserted) {
 
 TEST(RecursiveMutex, IsFreeOnceEveryLockIsGivenBack) {
     Quend::Framework::RecursiveMutex mutex;
-    const auto isFree = [&] {
-        bool isTaken = false;
-        std::thread([&] {
-            isTaken = mutex.try_lock();
-            isTaken ? mutex.unlock() : void();
-        }).join();
-        return isTaken;
-    };
+    const auto tryLock = [&] { return mutex.try_lock() && (mutex.unlock(), true); };
+    const auto isFree = [&] { return std::async(std::launch::async, tryLock).get(); };
     EXPECT_TRUE(mutex.try_lock());
     mutex.lock();
     EXPECT_TRUE(mutex.try_lock());

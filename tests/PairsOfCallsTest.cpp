@@ -3,10 +3,10 @@
 // of theirs is missing. So names are made beforehand, and arguments share nothing.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Framework.h>
@@ -23,17 +23,24 @@ using namespace Quend::Framework;
 using namespace Quend::Framework::Management;
 
 constexpr std::size_t kRounds = 50;
+const std::vector<std::string> names = [] {
+    std::vector<std::string> made;
+    for (std::size_t i = 0; i < kRounds; ++i) {
+        made.push_back("name " + std::to_string(i));
+    }
+    return made;
+}();
 
-// Gives each pair a fresh `Subject`; every call gets it and the number of the round.
+// Gives each pair a fresh `Subject`; every call gets it and a name, which is new in each round.
 template <typename Subject, std::size_t count>
-void runPairs(void (*const (&calls)[count])(Subject&, std::size_t)) {
+void runPairs(void (*const (&calls)[count])(Subject&, const char*)) {
     for (const auto first : calls) {
         for (const auto second : calls) {
             Subject subject;
             tests::inThreads(2, [&](unsigned thread) {
                 const auto call = thread == 0 ? first : second;
-                for (std::size_t round = 0; round < kRounds; ++round) {
-                    call(subject, round);
+                for (const std::string& name : names) {
+                    call(subject, name.c_str());
                 }
             });
         }
@@ -42,20 +49,16 @@ void runPairs(void (*const (&calls)[count])(Subject&, std::size_t)) {
 
 MemoryManager::IRegisteredObject* makeObject() { return new MemoryManager::IRegisteredObject; }
 
-struct Registry {
-    MemoryManager::ObjectRegistry registry;
-    std::array<std::string, kRounds> names;  // every other one is registered
-
+struct Registry : MemoryManager::ObjectRegistry {
     Registry() {
-        for (std::size_t i = 0; i < kRounds; ++i) {
-            names.at(i) = std::to_string(i);
-            i % 2 == 0 ? registry.registerObject(names.at(i).c_str(), makeObject) : nullptr;
+        for (std::size_t i = 0; i < kRounds; i += 2) {
+            registerObject(names[i].c_str(), makeObject);
         }
     }
     ~Registry() {
         for (const std::string& name : names) {
-            while (registry.findObject(name.c_str()) != nullptr) {
-                registry.unregisterObject(name.c_str());
+            while (findObject(name.c_str()) != nullptr) {
+                unregisterObject(name.c_str());
             }
         }
     }
@@ -63,71 +66,58 @@ struct Registry {
 
 TEST(PairsOfCalls, ObjectRegistry) {
     runPairs<Registry>({
-        [](Registry& r, std::size_t i) {
-            r.registry.registerObject(r.names[i].c_str(), makeObject);
-        },
-        [](Registry& r, std::size_t i) { r.registry.unregisterObject(r.names[i].c_str()); },
-        [](Registry& r, std::size_t i) { r.registry.findObject(r.names[i].c_str()); },
+        [](Registry& r, const char* name) { r.registerObject(name, makeObject); },
+        [](Registry& r, const char* name) { r.unregisterObject(name); },
+        [](Registry& r, const char* name) { r.findObject(name); },
     });
 }
 
-struct Nothing {};
-
 TEST(PairsOfCalls, FunctionsOfTheFramework) {
-    runPairs<Nothing>({
-        [](Nothing&, std::size_t) { Framework::randomNumber(); },
-        [](Nothing&, std::size_t) { Framework::propertyManager(); },
-        [](Nothing&, std::size_t) { Text::wideToNarrow(L"text"); },
-        [](Nothing&, std::size_t) { Text::wstringToString(L"text"); },
-        [](Nothing&, std::size_t) { Text::stringToWstring("text"); },
+    runPairs<int>({
+        [](int&, const char*) { Framework::randomNumber(); },
+        [](int&, const char*) { Framework::propertyManager(); },
+        [](int&, const char*) { Text::wideToNarrow(L"text"); },
+        [](int&, const char*) { Text::wstringToString(L"text"); },
+        [](int&, const char*) { Text::stringToWstring("text"); },
     });
 }
 
 // Readers only: what changes the store must not overlap any other call.
-struct Properties {
-    PropertyManagerImpl store;
+struct Properties : PropertyManagerImpl {
     const std::wstring set = L"set";
     const std::wstring missing = L"missing";
-
-    Properties() { store.setProperty(set, L"value"); }
+    Properties() { setProperty(set, L"value"); }
 };
 
 TEST(PairsOfCalls, ReadingProperties) {
     runPairs<Properties>({
-        [](Properties& p, std::size_t) { p.store.readProperty(p.set); },
-        [](Properties& p, std::size_t) { p.store.hasProperty(p.missing); },
-        [](Properties& p, std::size_t) {
-            EXPECT_THROW(p.store.readProperty(p.missing), Exceptions::UnexistentProperty);
+        [](Properties& p, const char*) { p.readProperty(p.set); },
+        [](Properties& p, const char*) { p.hasProperty(p.missing); },
+        [](Properties& p, const char*) {
+            EXPECT_THROW(p.readProperty(p.missing), Exceptions::UnexistentProperty);
         },
     });
 }
 
-struct Manager {
-    Logging::LogManager manager;
+struct Manager : Logging::LogManager {
     Logging::ChannelHandle channel = nullptr;
-    std::array<std::string, kRounds> names;
-
     Manager() {
-        manager.registerSinkProvider(std::make_unique<tests::TestProvider>("p"));
-        channel = manager.getChannel("channel");
-        for (std::size_t i = 0; i < kRounds; ++i) {
-            names.at(i) = "channel " + std::to_string(i);
-        }
+        addProvider(*this, nullptr);
+        channel = getChannel("channel");
     }
+    static void addProvider(Manager& m, const char*) {
+        m.registerSinkProvider(std::make_unique<tests::TestProvider>("p"));
+    }
+    static void createChannel(Manager& m, const char* name) { m.getChannel(name); }
 };
-
-void createChannel(Manager& m, std::size_t i) { m.manager.getChannel(m.names[i].c_str()); }
-void addProvider(Manager& m, std::size_t) {
-    m.manager.registerSinkProvider(std::make_unique<tests::TestProvider>("p"));
-}
 
 TEST(PairsOfCalls, Logging) {
     runPairs<Manager>({
-        createChannel, addProvider,
-        [](Manager& m, std::size_t) { m.manager.log(m.channel, 10, "written"); },
-        [](Manager& m, std::size_t) { m.manager.log(m.channel, 0, "cached"); },
+        Manager::createChannel, Manager::addProvider,
+        [](Manager& m, const char*) { m.log(m.channel, 10, "written"); },
+        [](Manager& m, const char*) { m.log(m.channel, 0, "cached"); },
 #ifndef _WIN32
-        [](Manager& m, std::size_t) { m.manager.loadPluginLibrary(L""); },  // this program
+        [](Manager& m, const char*) { m.loadPluginLibrary(L""); },  // this program
 #endif
     });
 }
@@ -135,9 +125,9 @@ TEST(PairsOfCalls, Logging) {
 // Beside what uses no handle: that would be invalid.
 TEST(PairsOfCalls, ShuttingLoggingDown) {
     runPairs<Manager>({
-        createChannel,
-        addProvider,
-        [](Manager& m, std::size_t) { m.manager.shutdownLogging(); },
+        Manager::createChannel,
+        Manager::addProvider,
+        [](Manager& m, const char*) { m.shutdownLogging(); },
     });
 }
 

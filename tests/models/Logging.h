@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -15,7 +16,7 @@
 namespace tests {
 
 using namespace Quend::Framework::Logging;
-using Hook = std::function<void(const std::string&)>;
+using Callback = std::function<void(const std::string&)>;
 
 // What reached the sinks and providers, in order. Has room, so that recording allocates nothing.
 inline std::string events;
@@ -28,7 +29,8 @@ inline std::string takeEvents() {
 }
 
 struct TestSink final : LogSink {
-    TestSink(std::string sinkTag, Hook write) : tag(std::move(sinkTag)), onWrite(std::move(write)) {
+    TestSink(std::string sinkTag, Callback write)
+        : tag(std::move(sinkTag)), onWrite(std::move(write)) {
         ++liveSinks;
     }
     ~TestSink() { --liveSinks; }
@@ -41,13 +43,13 @@ struct TestSink final : LogSink {
         onWrite ? onWrite(text) : void();
     }
     std::string tag;
-    Hook onWrite;
+    Callback onWrite;
 };
 
 // Its sinks are tagged with its own tag and the channel's name. None for a name that ends in its
 // own tag, nor for "none".
 struct TestProvider final : LogSinkProvider {
-    explicit TestProvider(std::string providerTag, Hook write = {}, Hook create = {})
+    explicit TestProvider(std::string providerTag, Callback write = {}, Callback create = {})
         : tag(std::move(providerTag)), onWrite(std::move(write)), onCreate(std::move(create)) {}
     ~TestProvider() override { events.append("~").append(tag).append(" "); }
     LogSink* createSink(const char* channel) override {
@@ -58,9 +60,14 @@ struct TestProvider final : LogSinkProvider {
         return channel != "none" && !channel.ends_with(tag);
     }
     std::string tag;
-    Hook onWrite;
-    Hook onCreate;
+    Callback onWrite;
+    Callback onCreate;
 };
+
+// Another thread can take the lock.
+inline void expectLockFree(LogManager& manager) {
+    std::thread([&] { manager.getChannel("none"); }).join();
+}
 
 inline void checkLogging(Input input) {
     struct Channel {

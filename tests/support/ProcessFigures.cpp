@@ -1,5 +1,6 @@
 #include "support/ProcessFigures.h"
 
+#include <array>
 #include <stdexcept>
 
 namespace tests {
@@ -36,6 +37,21 @@ bool hasThrownOnce() {
 std::size_t handleCount() {
     [[maybe_unused]] static const bool isSettled = hasThrownOnce();
     return countHandles();
+}
+
+std::size_t heapBlocks() {
+    std::array<HANDLE, 100> heaps{};
+    const DWORD count = GetProcessHeaps(heaps.size(), heaps.data());
+    std::size_t blocks = 0;
+    for (DWORD i = 0; i < count; ++i) {
+        HeapLock(heaps.at(i));
+        PROCESS_HEAP_ENTRY entry{};
+        while (HeapWalk(heaps.at(i), &entry) != 0) {
+            blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
+        }
+        HeapUnlock(heaps.at(i));
+    }
+    return blocks;
 }
 
 DWORD nextTlsIndex() {

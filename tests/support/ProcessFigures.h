@@ -11,6 +11,9 @@ namespace tests {
 // the system-wide list of handles, which crashes Wine's server now and then.
 std::size_t handleCount();
 
+// The allocated blocks on all heaps: one that is lost counts one.
+std::size_t heapBlocks();
+
 // The TLS index that the next TlsAlloc gives; grows with each one leaked.
 DWORD nextTlsIndex();
 

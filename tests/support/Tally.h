@@ -1,4 +1,4 @@
-// Shared by the programs that load and unload modules, and these modules.
+// What modules count while they work, for the test that loads and unloads them.
 #pragma once
 
 #include <atomic>
