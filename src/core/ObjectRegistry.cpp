@@ -12,12 +12,13 @@ namespace Quend::Framework::Management::MemoryManager {
 IRegisteredObject* ObjectRegistry::registerObject(const char* name, Factory factory) {
     const std::lock_guard lock(objectTableMutex);
 
-    const auto found = objectTable.find(std::string_view(name));
-    if (found != objectTable.end()) {
+    const std::string_view key = name;
+    const auto place = objectTable.lower_bound(key);
+    if (place != objectTable.end() && place->first == key) {
         // Counted before the object is looked at: a name held with null counts it as well.
-        ++found->second->referenceCount;
-        if (found->second->object != nullptr) {
-            return found->second->object;
+        ++place->second->referenceCount;
+        if (place->second->object != nullptr) {
+            return place->second->object;
         }
     }
 
@@ -28,7 +29,7 @@ IRegisteredObject* ObjectRegistry::registerObject(const char* name, Factory fact
     // The entry is not owned any more: its object may be in use already, so it is never destroyed
     // here, neither when recording it fails nor when the name is held with null.
     ObjectEntry* const entry = created.release();
-    objectTable.emplace(name, entry);
+    objectTable.emplace_hint(place, key, entry);
     return entry->object;
 }
 

@@ -16,8 +16,11 @@ PropertyManager::~PropertyManager() = default;
 namespace {
 
 // Made apart from the throw: whatever is alive at a throw is unwound, which doubled its time.
-Exceptions::UnexistentProperty unexistent(const wchar_t* complaint, const std::wstring& name) {
-    return Exceptions::UnexistentProperty(Text::wideToNarrow((complaint + name).c_str()).c_str());
+Exceptions::UnexistentProperty unexistent(const char* complaint, const std::wstring& name) {
+    // Empty if the name cannot be converted, and so is the message then.
+    const std::string narrowName = Text::wideToNarrow(name.c_str());
+    const std::string message = narrowName.empty() ? "" : complaint + narrowName;
+    return Exceptions::UnexistentProperty(message.c_str());
 }
 
 }  // namespace
@@ -25,7 +28,7 @@ Exceptions::UnexistentProperty unexistent(const wchar_t* complaint, const std::w
 const std::wstring& PropertyManagerImpl::readProperty(const std::wstring& name) const {
     const auto found = properties.find(name);
     if (found == properties.end()) {
-        throw unexistent(L"Trying to read unexistent property: ", name);
+        throw unexistent("Trying to read unexistent property: ", name);
     }
     return found->second;
 }
@@ -44,7 +47,7 @@ void PropertyManagerImpl::setProperty(const std::wstring& name, const std::wstri
 void PropertyManagerImpl::clearProperty(const std::wstring& name) {
     const auto found = properties.find(name);
     if (found == properties.end()) {
-        throw unexistent(L"Trying to clear an unexistent property: ", name);
+        throw unexistent("Trying to clear an unexistent property: ", name);
     }
     properties.erase(found);
 }
