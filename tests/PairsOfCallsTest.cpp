@@ -3,7 +3,6 @@
 // of theirs is missing. So names are made beforehand, and arguments share nothing.
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,112 +21,86 @@ namespace {
 using namespace Quend::Framework;
 using namespace Quend::Framework::Management;
 
-constexpr std::size_t kRounds = 50;
 const std::vector<std::string> names = [] {
     std::vector<std::string> made;
-    for (std::size_t i = 0; i < kRounds; ++i) {
+    for (int i = 0; i < 50; ++i) {
         made.push_back("name " + std::to_string(i));
     }
     return made;
 }();
 
-// Gives each pair a fresh `Subject`; every call gets it and a name, which is new in each round.
-template <typename Subject, std::size_t count>
-void runPairs(void (*const (&calls)[count])(Subject&, const char*)) {
+MemoryManager::IRegisteredObject* makeObject() { return new MemoryManager::IRegisteredObject; }
+
+struct Services {
+    MemoryManager::ObjectRegistry registry;
+    PropertyManagerImpl store;
+    const std::wstring set = L"set";
+    const std::wstring missing = L"missing";
+    Logging::LogManager manager;
+    Logging::ChannelHandle channel = nullptr;
+
+    Services() {
+        for (std::size_t i = 0; i < names.size(); i += 2) {
+            registry.registerObject(names[i].c_str(), makeObject);
+        }
+        store.setProperty(set, L"value");
+        addProvider();
+        channel = manager.getChannel("channel");
+    }
+    ~Services() {
+        for (const std::string& name : names) {
+            while (registry.findObject(name.c_str()) != nullptr) {
+                registry.unregisterObject(name.c_str());
+            }
+        }
+    }
+    void addProvider() { manager.registerSinkProvider(std::make_unique<tests::TestProvider>("p")); }
+};
+
+// Gives each pair fresh services and each round another name.
+void runPairs(const std::vector<void (*)(Services&, const char* name)>& calls) {
     for (const auto first : calls) {
         for (const auto second : calls) {
-            Subject subject;
+            Services services;
             tests::inThreads(2, [&](unsigned thread) {
-                const auto call = thread == 0 ? first : second;
                 for (const std::string& name : names) {
-                    call(subject, name.c_str());
+                    (thread == 0 ? first : second)(services, name.c_str());
                 }
             });
         }
     }
 }
 
-MemoryManager::IRegisteredObject* makeObject() { return new MemoryManager::IRegisteredObject; }
-
-struct Registry : MemoryManager::ObjectRegistry {
-    Registry() {
-        for (std::size_t i = 0; i < kRounds; i += 2) {
-            registerObject(names[i].c_str(), makeObject);
-        }
-    }
-    ~Registry() {
-        for (const std::string& name : names) {
-            while (findObject(name.c_str()) != nullptr) {
-                unregisterObject(name.c_str());
-            }
-        }
-    }
-};
-
-TEST(PairsOfCalls, ObjectRegistry) {
-    runPairs<Registry>({
-        [](Registry& r, const char* name) { r.registerObject(name, makeObject); },
-        [](Registry& r, const char* name) { r.unregisterObject(name); },
-        [](Registry& r, const char* name) { r.findObject(name); },
-    });
-}
-
-TEST(PairsOfCalls, FunctionsOfTheFramework) {
-    runPairs<int>({
-        [](int&, const char*) { Framework::randomNumber(); },
-        [](int&, const char*) { Framework::propertyManager(); },
-        [](int&, const char*) { Text::wideToNarrow(L"text"); },
-        [](int&, const char*) { Text::wstringToString(L"text"); },
-        [](int&, const char*) { Text::stringToWstring("text"); },
-    });
-}
-
-// Readers only: what changes the store must not overlap any other call.
-struct Properties : PropertyManagerImpl {
-    const std::wstring set = L"set";
-    const std::wstring missing = L"missing";
-    Properties() { setProperty(set, L"value"); }
-};
-
-TEST(PairsOfCalls, ReadingProperties) {
-    runPairs<Properties>({
-        [](Properties& p, const char*) { p.readProperty(p.set); },
-        [](Properties& p, const char*) { p.hasProperty(p.missing); },
-        [](Properties& p, const char*) {
-            EXPECT_THROW(p.readProperty(p.missing), Exceptions::UnexistentProperty);
+TEST(PairsOfCalls, ThatMayOverlap) {
+    runPairs({
+        [](Services& s, const char* name) { s.registry.registerObject(name, makeObject); },
+        [](Services& s, const char* name) { s.registry.unregisterObject(name); },
+        [](Services& s, const char* name) { s.registry.findObject(name); },
+        [](Services&, const char*) { Framework::randomNumber(); },
+        [](Services&, const char*) { Framework::propertyManager(); },
+        [](Services&, const char* name) { Text::stringToWstring(name); },
+        [](Services& s, const char*) { Text::wideToNarrow(s.set.c_str()); },
+        // Of the store's, only those that do not change it.
+        [](Services& s, const char*) { s.store.readProperty(s.set); },
+        [](Services& s, const char*) {
+            EXPECT_THROW(s.store.readProperty(s.missing), Exceptions::UnexistentProperty);
         },
-    });
-}
-
-struct Manager : Logging::LogManager {
-    Logging::ChannelHandle channel = nullptr;
-    Manager() {
-        addProvider(*this, nullptr);
-        channel = getChannel("channel");
-    }
-    static void addProvider(Manager& m, const char*) {
-        m.registerSinkProvider(std::make_unique<tests::TestProvider>("p"));
-    }
-    static void createChannel(Manager& m, const char* name) { m.getChannel(name); }
-};
-
-TEST(PairsOfCalls, Logging) {
-    runPairs<Manager>({
-        Manager::createChannel, Manager::addProvider,
-        [](Manager& m, const char*) { m.log(m.channel, 10, "written"); },
-        [](Manager& m, const char*) { m.log(m.channel, 0, "cached"); },
+        [](Services& s, const char* name) { s.manager.getChannel(name); },
+        [](Services& s, const char*) { s.addProvider(); },
+        [](Services& s, const char*) { s.manager.log(s.channel, 10, "written"); },
+        [](Services& s, const char*) { s.manager.log(s.channel, 0, "cached"); },
 #ifndef _WIN32
-        [](Manager& m, const char*) { m.loadPluginLibrary(L""); },  // this program
+        [](Services& s, const char*) { s.manager.loadPluginLibrary(L""); },  // this program
 #endif
     });
 }
 
 // Beside what uses no handle: that would be invalid.
 TEST(PairsOfCalls, ShuttingLoggingDown) {
-    runPairs<Manager>({
-        Manager::createChannel,
-        Manager::addProvider,
-        [](Manager& m, const char*) { m.shutdownLogging(); },
+    runPairs({
+        [](Services& s, const char* name) { s.manager.getChannel(name); },
+        [](Services& s, const char*) { s.addProvider(); },
+        [](Services& s, const char*) { s.manager.shutdownLogging(); },
     });
 }
 

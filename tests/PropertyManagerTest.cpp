@@ -19,43 +19,33 @@ TEST(PropertyManager, MatchesModelOverRandomOperations) {
     tests::runOnRandomInputs(&tests::checkPropertyStore);
 }
 
-// The old value is gone before the copies are made, whichever of them fails.
-TEST(PropertyManager, FailedSetLeavesThePropertyAbsent) {
-    for (const bool isReplaced : {false, true}) {
+// Of a set, the old value is gone before the copies are made, whichever of them fails.
+TEST(PropertyManager, FailedAllocationLeavesTheStatedProperties) {
+    struct Row {
+        bool isHeldBefore;
+        void (*call)(PropertyManagerImpl&);
+        bool isComplaint;
+    };
+    for (const auto& [isHeldBefore, call, isComplaint] :
+         {Row{false, [](auto& store) { store.setProperty(kName, kValue); }, false},
+          Row{true, [](auto& store) { store.setProperty(kName, kValue); }, false},
+          Row{true, [](auto& store) { store.readProperty(kValue); }, true},
+          Row{true, [](auto& store) { store.clearProperty(kValue); }, true}}) {
         tests::failEachAllocation([&](long, auto fail) {
             PropertyManagerImpl store;
             store.setProperty(L"other", L"stays");
-            if (isReplaced) {
-                store.setProperty(kName, L"old");
-            }
-            const bool failed = fail([&] { store.setProperty(kName, kValue); });
-            EXPECT_EQ(store.hasProperty(kName), !failed);
-            EXPECT_EQ(store.readProperty(L"other"), L"stays");
-            store.setProperty(kName, kValue);
-            EXPECT_EQ(store.readProperty(kName), kValue);
-            return 0L;
-        });
-    }
-}
-
-TEST(PropertyManager, ComplaintWithoutMemoryIsBadAllocAndLeavesTheStore) {
-    void (*const calls[])(PropertyManagerImpl&) = {
-        [](PropertyManagerImpl& store) { store.readProperty(kValue); },
-        [](PropertyManagerImpl& store) { store.clearProperty(kValue); }};
-    for (const auto call : calls) {
-        tests::failEachAllocation([&](long, auto fail) {
-            PropertyManagerImpl store;
-            store.setProperty(kName, kValue);
-            bool isComplaint = false;
+            isHeldBefore ? store.setProperty(kName, L"old") : void();
+            bool isThrown = false;
             const bool failed = fail([&] {
                 try {
                     call(store);
                 } catch (const Quend::Framework::Exceptions::UnexistentProperty&) {
-                    isComplaint = true;
+                    isThrown = true;
                 }
             });
-            EXPECT_EQ(isComplaint, !failed);
-            EXPECT_EQ(store.readProperty(kName), kValue);
+            EXPECT_EQ(isThrown, isComplaint && !failed);
+            EXPECT_EQ(store.hasProperty(kName), isComplaint || !failed);
+            EXPECT_EQ(store.readProperty(L"other"), L"stays");
             return 0L;
         });
     }
