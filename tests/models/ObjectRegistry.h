@@ -24,10 +24,9 @@ inline void checkObjectRegistry(Input input) {
     };
     const auto factory = []() -> IRegisteredObject* {
         isCalled = true;
-        if (operation == kThrow) {
-            throw std::runtime_error("factory");
-        }
-        return operation == kObject ? new Counted : nullptr;
+        return operation == kThrow    ? throw std::runtime_error("factory")
+               : operation == kObject ? new Counted
+                                      : nullptr;
     };
     const std::string longName(1000, 'x');
     struct Entry {
