@@ -11,7 +11,7 @@
 #include <system_error>
 #include <thread>
 
-#include "LoggingPlugin.h"
+#include "LoggingModule.h"
 #include "logging/DebugString.h"
 #include "models/Logging.h"
 #include "support/Allocations.h"
@@ -31,7 +31,7 @@ void record(const char* event) { events.append(event).append(" "); }
 // The plug-in stays loaded as long as the result lives.
 std::shared_ptr<HINSTANCE__> preparePlugin(Report report, bool isRefusing = false) {
     std::shared_ptr<HINSTANCE__> module(LoadLibraryW(kPlugin), FreeLibrary);
-    exportOf<PreparePlugin>(module.get(), "preparePlugin")(report, isRefusing);
+    exportOf<PrepareModule>(module.get(), "prepareModule")(report, isRefusing);
     return module;
 }
 
@@ -47,7 +47,8 @@ TEST_F(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
     };
     for (const auto& [path, code, error] :
          {Row{kPlugin, 0, "The entry point of the plug-in library returned no provider"},
-          Row{kModule, 0, "The plug-in library has no entry point createLogSinkProvider"},
+          Row{L"ClientModule.dll", 0,
+              "The plug-in library has no entry point createLogSinkProvider"},
           Row{L"no such \u00e9.dll", ERROR_MOD_NOT_FOUND,
               "Cannot load the plug-in library no such ?.dll"}}) {
         LogManager manager;
