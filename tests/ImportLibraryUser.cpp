@@ -2,10 +2,6 @@
 // import library works there.
 #include <Quend/Framework/MemoryManager.h>
 
-namespace memory = Quend::Framework::Management::MemoryManager;
-
 extern "C" int start() {
-    void* const block = memory::allocate(16);
-    memory::deallocate(block);
-    return block != nullptr ? 0 : 1;
+    return Quend::Framework::Management::MemoryManager::allocate(16) != nullptr ? 0 : 1;
 }

@@ -8,55 +8,32 @@
 #include "Quend/RegistryAccess/RegistryErrors.h"
 #include "logging/LogSink.h"
 
-using namespace Quend::Framework::Exceptions;
-using namespace Quend::Framework::Management;
+using namespace Quend::Framework;
 using namespace Quend::Framework::Management::MemoryManager;
-using Quend::Framework::Logging::LogSink;
-using Quend::Framework::Logging::LogSinkProvider;
 using Quend::RegistryAccess::Registry;
 
-struct Object : IRegisteredObject {};
-
-struct Store : PropertyManager {
-    const std::wstring& readProperty(const std::wstring& name) const override;
-    bool hasProperty(const std::wstring& name) const override;
-    void setProperty(const std::wstring& name, const std::wstring& value) override;
-    void clearProperty(const std::wstring& name) override;
+// Calls what an exported base class exports.
+template <typename Base>
+struct Derived : Base {
+    Derived() {}
+    Derived(const Derived& other) : Base(other) { Base::operator=(other); }
 };
-
-struct Sink : LogSink {
-    void release() noexcept override;
-    void write(std::uint32_t level, const char* text) override;
-};
-
-struct Provider : LogSinkProvider {
-    LogSink* createSink(const char* channelName) override;
-};
+template struct Derived<IRegisteredObject>;
+template struct Derived<Management::PropertyManager>;
 
 // Where this is defined, GCC's ABI has the table of the class.
 Registry::GenericRegistryError::~GenericRegistryError() = default;
 
-template <typename Derived>
-void useMembers() {
-    Derived first;
-    Derived second(first);
-    second = first;
-}
-
-void useAll() {
+void useAll(Logging::LogSink& sink, Logging::LogSinkProvider& provider) {
     deallocate(reallocate(allocate(1), 2));
     registerObject("", nullptr);
     delete findObject("");
     unregisterObject("");
-    Quend::Framework::Framework::randomNumber();
-    delete Quend::Framework::Framework::propertyManager();
-    useMembers<Object>();
-    useMembers<Store>();
-    UnexistentProperty unexistent("");
-    InvalidArgument invalid("");
-    FrameworkException base;
-    Sink sink;
-    Provider provider;
-    Registry::GenericRegistryError error(Registry::NotFound("", 0));
-    error.what();
+    Framework::randomNumber();
+    delete Framework::propertyManager();
+    Exceptions::UnexistentProperty unexistent("");
+    Exceptions::InvalidArgument invalid("");
+    Registry::NotFound notFound("", 0);
+    sink.release();
+    provider.createSink("");
 }

@@ -1,5 +1,14 @@
+set(greeting "Trying to read unexistent property: height\n")  # of the first example
+
 function(run)
   execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+# Builds a project; the rest are settings.
+function(build source folder)
+  run(${CMAKE_COMMAND} -S ${source} -B ${folder} -G Ninja -DCMAKE_BUILD_TYPE=Release
+    -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} ${ARGN})
+  run(${CMAKE_COMMAND} --build ${folder})
 endfunction()
 
 # Runs a program for Windows, which must print `text`.
@@ -10,24 +19,4 @@ function(expect_output text)
   if(place EQUAL -1)
     message(FATAL_ERROR "${ARGN} printed:\n${printed}\ninstead of:\n${text}")
   endif()
-endfunction()
-
-# The fenced blocks of `language` in `page`, one after the other: ${out}_0, ${out}_1, ...; their
-# number in ${out}.
-function(read_blocks page language out)
-  file(READ ${page} rest)
-  set(count 0)
-  set(fence "\n```${language}\n")
-  string(LENGTH "${fence}" fence_length)
-  string(FIND "${rest}" "${fence}" begin)
-  while(NOT begin EQUAL -1)
-    math(EXPR begin "${begin} + ${fence_length}")
-    string(SUBSTRING "${rest}" ${begin} -1 rest)
-    string(FIND "${rest}" "```" end)
-    string(SUBSTRING "${rest}" 0 ${end} block)
-    set(${out}_${count} "${block}" PARENT_SCOPE)
-    math(EXPR count "${count} + 1")
-    string(FIND "${rest}" "${fence}" begin)
-  endwhile()
-  set(${out} ${count} PARENT_SCOPE)
 endfunction()

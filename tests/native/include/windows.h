@@ -9,10 +9,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <cwchar>
 #include <filesystem>
 #include <string>
@@ -30,11 +30,8 @@ int convert(std::size_t (*function)(To*, const From*, std::size_t), std::size_t*
     *buffer = To();
     *converted = 0;
     const std::size_t length = function(nullptr, text, 0);
-    if (length == SIZE_MAX) {
+    if (length == SIZE_MAX || std::min(length, count) >= size) {
         return EILSEQ;
-    }
-    if (std::min(length, count) >= size) {
-        return ERANGE;
     }
     *converted = function(buffer, text, std::min(length, count)) + 1;
     buffer[*converted - 1] = To();
@@ -43,15 +40,8 @@ int convert(std::size_t (*function)(To*, const From*, std::size_t), std::size_t*
 
 }  // namespace native
 
-inline int wcstombs_s(std::size_t* converted, char* buffer, std::size_t size, const wchar_t* text,
-                      std::size_t count) {
-    return native::convert(&std::wcstombs, converted, buffer, size, text, count);
-}
-
-inline int mbstowcs_s(std::size_t* converted, wchar_t* buffer, std::size_t size, const char* text,
-                      std::size_t count) {
-    return native::convert(&std::mbstowcs, converted, buffer, size, text, count);
-}
+inline constexpr auto wcstombs_s = [](auto... all) { return native::convert(wcstombs, all...); };
+inline constexpr auto mbstowcs_s = [](auto... all) { return native::convert(mbstowcs, all...); };
 
 inline int wcrtomb_s(std::size_t* converted, char* buffer, std::size_t, wchar_t unit,
                      std::mbstate_t* state) {
@@ -63,10 +53,7 @@ inline int wcrtomb_s(std::size_t* converted, char* buffer, std::size_t, wchar_t 
 inline int _wgetenv_s(std::size_t* needed, wchar_t* buffer, std::size_t size, const wchar_t* name) {
     const char* const value = std::getenv(std::filesystem::path(name).c_str());
     *needed = value == nullptr ? 0 : std::strlen(value) + 1;
-    if (*needed == 0 || size == 0) {
-        return 0;
-    }
-    return mbstowcs_s(needed, buffer, size, value, size);
+    return *needed == 0 || size == 0 ? 0 : mbstowcs_s(needed, buffer, size, value, size);
 }
 
 struct __timeb64 {
@@ -75,16 +62,14 @@ struct __timeb64 {
 };
 
 inline int _ftime64_s(__timeb64* now) {
-    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(
-                                std::chrono::system_clock::now().time_since_epoch())
-                                .count();
-    *now = {sinceEpoch / 1000, static_cast<unsigned short>(sinceEpoch % 1000)};
+    std::timespec time{};
+    std::timespec_get(&time, TIME_UTC);
+    *now = {time.tv_sec, static_cast<unsigned short>(time.tv_nsec / 1'000'000)};
     return 0;
 }
 
 using DWORD = unsigned long;
 using HMODULE = void*;
-using FARPROC = std::intptr_t (*)();
 
 inline DWORD GetCurrentThreadId() { return static_cast<DWORD>(gettid()); }
 inline DWORD GetLastError() { return 126; }  // the module could not be found
@@ -93,7 +78,5 @@ inline DWORD GetLastError() { return 126; }  // the module could not be found
 inline HMODULE LoadLibraryW(const wchar_t* path) {
     return dlopen(std::filesystem::path(path).c_str(), RTLD_NOW);
 }
-inline FARPROC GetProcAddress(HMODULE module, const char* name) {
-    return reinterpret_cast<FARPROC>(dlsym(module, name));
-}
+inline void* GetProcAddress(HMODULE module, const char* name) { return dlsym(module, name); }
 inline int FreeLibrary(HMODULE module) { return dlclose(module) == 0 ? 1 : 0; }
