@@ -2,17 +2,20 @@
 //   say TEXT      writes it to standard output
 //   bytes N       writes childBytes(N) there
 //   close         closes standard output
-//   await NAME    waits for an event of that name; ends after five minutes, when the test is dead
-//   signal NAME   sets one
+//   await NAME    sets the event hereNAME and waits for goNAME; ends after five minutes, when the
+//                 test is dead
 //   leave ...     starts another of this program to do the rest, and ends; without the console,
 //                 as under Wine a console's host inherits the output and holds it open
 #include "CommandChild.h"
 
 #include <windows.h>
 
+#include <cstring>
 #include <string>
 
 namespace {
+
+constexpr DWORD kFiveMinutes = 300'000;
 
 void write(const std::string& text) {
     DWORD written = 0;
@@ -35,27 +38,26 @@ void leave(std::string commandLine) {
 int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string step = argv[i];
+        const std::string value = i + 1 < argc ? argv[i + 1] : "";
+        if (step == "leave") {
+            leave("CommandChild" + std::string(std::strstr(GetCommandLineA(), "leave") + 5));
+            return 0;
+        }
         if (step == "close") {
             CloseHandle(GetStdHandle(STD_OUTPUT_HANDLE));
-        } else if (step == "leave") {
-            std::string commandLine = argv[0];
-            while (++i < argc) {
-                commandLine.append(" ").append(argv[i]);
-            }
-            leave(commandLine);
-        } else if (++i == argc) {
-            return 1;
-        } else if (step == "say") {
-            write(argv[i]);
+            continue;
+        }
+        ++i;
+        if (step == "say") {
+            write(value);
         } else if (step == "bytes") {
-            write(childBytes(std::stoul(argv[i])));
+            write(childBytes(std::stoul(value)));
         } else if (step == "await") {
-            constexpr DWORD kFiveMinutes = 300'000;
-            if (WaitForSingleObject(OpenEventA(SYNCHRONIZE, FALSE, argv[i]), kFiveMinutes) != 0) {
+            SetEvent(OpenEventA(EVENT_MODIFY_STATE, FALSE, ("here" + value).c_str()));
+            const HANDLE go = OpenEventA(SYNCHRONIZE, FALSE, ("go" + value).c_str());
+            if (WaitForSingleObject(go, kFiveMinutes) != 0) {
                 return 1;
             }
-        } else if (step == "signal") {
-            SetEvent(OpenEventA(EVENT_MODIFY_STATE, FALSE, argv[i]));
         }
     }
     return 0;

@@ -6,9 +6,9 @@
 
 // What CommandChild's step "bytes" writes: a block of 128 or 256 bytes lost or doubled would show.
 inline std::string childBytes(std::size_t size) {
-    std::string bytes(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) {
-        bytes[i] = static_cast<char>((i + i / 256) & 0xff);
+    std::string bytes;
+    while (bytes.size() < size) {
+        bytes += static_cast<char>(bytes.size() + bytes.size() / 256);
     }
     return bytes;
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -32,13 +31,11 @@ using Flag = std::shared_ptr<std::atomic<bool>>;
 
 // Commands find CommandChild in the working directory.
 struct CommandRunner : testing::Test {
-    CommandRunner() {
+    static void SetUpTestSuite() {
         std::wstring program(MAX_PATH, L'\0');
         GetModuleFileNameW(nullptr, program.data(), MAX_PATH);
         std::filesystem::current_path(std::filesystem::path(program).parent_path());
     }
-    ~CommandRunner() override { std::filesystem::current_path(directoryBefore); }
-    const std::filesystem::path directoryBefore = std::filesystem::current_path();
 };
 
 Result failed() { return {false, ""}; }
@@ -59,23 +56,13 @@ Handle makeEvent(const char* name = nullptr) {
 
 void await(const Handle& event) { WaitForSingleObject(event.get(), INFINITE); }
 
-bool isOpen(HANDLE handle) {
-    DWORD flags = 0;
-    return GetHandleInformation(handle, &flags) != FALSE;
-}
-
 // Two events, for a child that sets one, waits for the other and then does the rest.
-class Leash {
- public:
-    std::string steps() const { return " signal here" + name + " await go" + name; }
-    void awaitChild() const { await(here); }
-    void release() const { SetEvent(go.get()); }
-
- private:
+struct Leash {
     static inline int made = 0;
     const std::string name = std::to_string(GetCurrentProcessId()) + "." + std::to_string(++made);
-    Handle here = makeEvent(("here" + name).c_str());
-    Handle go = makeEvent(("go" + name).c_str());
+    const std::string step = " await " + name;
+    const Handle here = makeEvent(("here" + name).c_str());
+    const Handle go = makeEvent(("go" + name).c_str());
 };
 
 TEST(Handle, HasOneOwner) {
@@ -87,7 +74,6 @@ TEST(Handle, HasOneOwner) {
         const void* const event = first.get();
         Handle& same = first;
         first = std::move(same);
-        EXPECT_EQ(first.get(), event);
         Handle second = makeEvent();
         second = std::move(first);
         EXPECT_EQ(second.get(), event);
@@ -117,21 +103,27 @@ TEST(CommandRunnerPlatform, TheReadEndOfAPipeCanBeMadeNonBlocking) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_BROKEN_PIPE}) << "a closed one";
 }
 
+// All at once: each gets its own output.
 TEST_F(CommandRunner, ReturnsWhatTheInterpreterWrites) {
     const std::pair<std::string, Result> cases[] = {
+        {"CommandChild bytes 200000", wroteBytes(200'000)},
+        {"CommandChild bytes 90000", wroteBytes(90'000)},
         {"echo a&echo b", wrote("a\nb\n")},
         {R"(""CommandChild" say "a b"")", wrote("a b")},
         {"echo error 1>&2&CommandChild say x", wrote("x")},
         {"", wrote("")},
         {"there-is-no-such-command", wrote("")},
-        {"CommandChild bytes 200000", wroteBytes(200'000)},
         {"echo " + std::string(7995, 'x'), wrote(std::string(7995, 'x') + '\n')},
         {"echo " + std::string(33'000, 'x'), failed()},
         {std::string("echo a\0b", 8), wrote("a\n")},
     };
+    std::vector<std::future<Result>> results;
     for (const auto& [command, result] : cases) {
+        results.push_back(std::async(std::launch::async, runCommand, command));
+    }
+    for (std::size_t i = 0; i < results.size(); ++i) {
         // Not EXPECT_EQ, which would print all of a long output.
-        EXPECT_TRUE(runCommand(command) == result) << command.substr(0, 100);
+        EXPECT_TRUE(results[i].get() == cases[i].second) << cases[i].first.substr(0, 100);
     }
 }
 
@@ -140,31 +132,13 @@ TEST_F(CommandRunner, ReturnsWhatTheInterpreterWrites) {
 TEST_F(CommandRunner, OutputEndsWithItsLastHolder) {
     const Leash holding;
     auto result = std::async(std::launch::async, runCommand,
-                             "CommandChild leave say a" + holding.steps() + " say b");
-    holding.awaitChild();
-    holding.release();
+                             "CommandChild leave say a" + holding.step + " say b");
+    await(holding.here);
+    SetEvent(holding.go.get());
     EXPECT_EQ(result.get(), wrote("ab"));
     const Leash closed;
-    EXPECT_EQ(runCommand("CommandChild leave say a close" + closed.steps()), wrote("a"));
-    closed.release();
-}
-
-// The second child blocks in its standard error until the run is stopped.
-TEST_F(CommandRunner, AStoppedRunLeavesItsChildAlone) {
-    const Leash leash;
-    const auto stopFlag = flag();
-    const auto read = tests::hook<"ReadFile", decltype(ReadFile)>(
-        [&](auto real, auto handle, auto buffer, auto size, DWORD* count, auto none) {
-            const BOOL isRead = real(handle, buffer, size, count, none);
-            *stopFlag = *count == 3;
-            return isRead;
-        });
-    EXPECT_EQ(executeCommand("CommandChild say abc&CommandChild bytes 100000 1>&2&CommandChild" +
-                                 leash.steps(),
-                             stopFlag),
-              wrote("abc"));
-    leash.awaitChild();  // it was neither killed nor waited for
-    leash.release();
+    EXPECT_EQ(runCommand("CommandChild leave say a close" + closed.step), wrote("a"));
+    SetEvent(closed.go.get());
 }
 
 // What Windows may refuse although Wine accepts it, and what no output shows.
@@ -173,10 +147,9 @@ TEST_F(CommandRunner, AsksWindowsForExactlyThis) {
     systemDirectory.resize(GetSystemDirectoryA(systemDirectory.data(), MAX_PATH));
     std::vector<HANDLE> readEnds;
     const auto createPipe = tests::hook<"CreatePipe", decltype(CreatePipe)>(
-        [&](auto real, HANDLE* readEnd, auto writeEnd, SECURITY_ATTRIBUTES* security, auto size) {
+        [&](auto real, HANDLE* readEnd, auto writeEnd, SECURITY_ATTRIBUTES* security, DWORD size) {
             EXPECT_EQ(security->nLength, sizeof(SECURITY_ATTRIBUTES));
-            EXPECT_EQ(security->lpSecurityDescriptor, nullptr);
-            EXPECT_EQ(size, 0U);
+            EXPECT_TRUE(security->lpSecurityDescriptor == nullptr && size == 0);
             const BOOL isMade = real(readEnd, writeEnd, security, size);
             readEnds.push_back(*readEnd);
             return isMade;
@@ -193,13 +166,11 @@ TEST_F(CommandRunner, AsksWindowsForExactlyThis) {
             EXPECT_EQ(startup->hStdInput, nullptr);
             EXPECT_TRUE(startup->lpReserved == nullptr && startup->lpReserved2 == nullptr);
             EXPECT_TRUE(startup->lpDesktop == nullptr && startup->lpTitle == nullptr);
-            EXPECT_EQ(startup->cbReserved2, 0);
             for (HANDLE readEnd : readEnds) {
                 DWORD inherited = 1;
                 DWORD mode = 0;
                 EXPECT_TRUE(GetHandleInformation(readEnd, &inherited) && inherited == 0);
-                EXPECT_TRUE(GetNamedPipeHandleStateA(readEnd, &mode, nullptr, nullptr, nullptr,
-                                                     nullptr, 0));
+                GetNamedPipeHandleStateA(readEnd, &mode, nullptr, nullptr, nullptr, nullptr, 0);
                 EXPECT_EQ(mode, DWORD{PIPE_NOWAIT});
             }
             return FALSE;
@@ -208,7 +179,7 @@ TEST_F(CommandRunner, AsksWindowsForExactlyThis) {
     EXPECT_EQ(readEnds.size(), 2U);
 }
 
-// Only the broken pipe, with nothing read, is the end.
+// Only the broken pipe, with nothing read, is the end, or else the flag.
 TEST_F(CommandRunner, ReadsOnUntilThePipeIsBroken) {
     const std::vector<std::tuple<BOOL, std::string, DWORD>> answers = {
         {TRUE, "a", 0},
@@ -221,12 +192,15 @@ TEST_F(CommandRunner, ReadsOnUntilThePipeIsBroken) {
         {FALSE, "", ERROR_BROKEN_PIPE},
     };
     std::size_t reads = 0;
+    std::size_t readsToStop = 0;
+    const Flag stopFlag = flag();
     const auto read = tests::hook<"ReadFile", decltype(ReadFile)>(
         [&](auto, HANDLE, void* buffer, DWORD size, DWORD* count, OVERLAPPED*) {
             EXPECT_EQ(size, 128U);
             const auto& [isRead, text, error] = answers.at(reads++);
             text.copy(static_cast<char*>(buffer), text.size());
             *count = static_cast<DWORD>(text.size());
+            *stopFlag = reads == readsToStop;
             SetLastError(error);
             return isRead;
         });
@@ -234,8 +208,11 @@ TEST_F(CommandRunner, ReadsOnUntilThePipeIsBroken) {
         [](auto, auto) { ADD_FAILURE() << "nothing to wait for: the output is polled"; });
     const auto createProcess =
         tests::hook<"CreateProcessA", decltype(CreateProcessA)>([](auto...) { return TRUE; });
-    EXPECT_EQ(executeCommand("", flag()), wrote("abc"));
-    EXPECT_EQ(reads, answers.size());
+    EXPECT_EQ(executeCommand("", stopFlag), wrote("abc"));
+    EXPECT_EQ(std::exchange(reads, 0), answers.size());
+    readsToStop = 6;
+    EXPECT_EQ(executeCommand("", stopFlag), wrote("ab"));
+    EXPECT_EQ(reads, readsToStop);
 }
 
 // The preparation is eight calls.
@@ -288,27 +265,17 @@ TEST_F(CommandRunner, AnExceptionInTheBackgroundIsAFailure) {
     EXPECT_TRUE(tests::AllocationFault::happened());
 }
 
-TEST_F(CommandRunner, ThreadsGetTheirOwnOutput) {
-    std::array<std::future<Result>, 8> results;
-    for (std::size_t i = 0; i < results.size(); ++i) {
-        results[i] = std::async(std::launch::async, runCommand,
-                                "CommandChild bytes " + std::to_string(9000 + i));
-    }
-    for (std::size_t i = 0; i < results.size(); ++i) {
-        EXPECT_EQ(results[i].get(), wroteBytes(9000 + i));
-    }
-}
-
 // A command that started between the pipes and the process of another would hold its write ends.
 TEST_F(CommandRunner, OneThatWaitsForAnotherToStartEndsAtItsFlag) {
     const Handle isStarting = makeEvent();
     const Handle go = makeEvent();
-    std::vector<HANDLE> writeEnds;
+    HANDLE writeEnds[2] = {};
     const auto createProcess =
         tests::hook<"CreateProcessA", decltype(CreateProcessA)>([&](auto, auto... arguments) {
-            if (writeEnds.empty()) {  // the first one
+            if (writeEnds[0] == nullptr) {  // the first one
                 const STARTUPINFOA& startup = *std::get<8>(std::tuple(arguments...));
-                writeEnds = {startup.hStdOutput, startup.hStdError};
+                writeEnds[0] = startup.hStdOutput;
+                writeEnds[1] = startup.hStdError;
                 SetEvent(isStarting.get());
                 await(go);
             }
@@ -317,12 +284,14 @@ TEST_F(CommandRunner, OneThatWaitsForAnotherToStartEndsAtItsFlag) {
     int pipes = 0;
     const auto createPipe =
         tests::hook<"CreatePipe", decltype(CreatePipe)>([&](auto real, auto... arguments) {
-            if (++pipes == 3) {
-                EXPECT_FALSE(isOpen(writeEnds.at(0)) || isOpen(writeEnds.at(1)));
+            DWORD flags = 0;
+            for (HANDLE end : writeEnds) {
+                EXPECT_FALSE(pipes == 2 && GetHandleInformation(end, &flags)) << "still open";
             }
+            ++pipes;
             return real(arguments...);
         });
-    std::function<void()> whileWaiting = [] {};
+    std::function<void()> whileWaiting = [] {};  // the runtime sleeps too, to start a thread
     const auto sleep = tests::hook<"Sleep", decltype(Sleep)>([&](auto, auto) { whileWaiting(); });
 
     auto first = std::async(std::launch::async, executeCommand, "", flag());
@@ -339,13 +308,16 @@ TEST_F(CommandRunner, OneThatWaitsForAnotherToStartEndsAtItsFlag) {
     EXPECT_EQ(first.get(), wrote(""));
 }
 
+// The second child blocks in its standard error until then.
 TEST_F(CommandRunner, GivesUpAfterSixtySeconds) {
     const Leash leash;
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(runCommand("CommandChild say lost" + leash.steps()), failed());
+    EXPECT_EQ(runCommand("CommandChild say lost&CommandChild bytes 100000 1>&2&CommandChild" +
+                         leash.step),
+              failed());
     const auto taken = std::chrono::steady_clock::now() - start;
-    leash.awaitChild();
-    leash.release();
+    await(leash.here);  // the child was neither killed nor waited for
+    SetEvent(leash.go.get());
     EXPECT_GE(taken, 60s);
     EXPECT_LT(taken, 75s);  // all but the minute is the start of one process
 }

@@ -3,59 +3,49 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <utility>
 
 namespace tests {
 namespace {
 
 template <typename T>
-T* at(HMODULE module, DWORD offset) {
+T* at(HMODULE module, ULONGLONG offset) {
     return reinterpret_cast<T*>(reinterpret_cast<char*>(module) + offset);
 }
 
 void** findImport(HMODULE module, const char* name) {
-    const auto* dos = at<IMAGE_DOS_HEADER>(module, 0);
-    const auto* nt = at<IMAGE_NT_HEADERS>(module, static_cast<DWORD>(dos->e_lfanew));
+    const auto* nt = at<IMAGE_NT_HEADERS>(
+        module, static_cast<ULONGLONG>(at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
     const auto& table = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
     for (auto* library = at<IMAGE_IMPORT_DESCRIPTOR>(module, table.VirtualAddress);
          library->Name != 0; ++library) {
-        auto* lookup = at<IMAGE_THUNK_DATA>(module, library->OriginalFirstThunk);
-        auto* bound = at<IMAGE_THUNK_DATA>(module, library->FirstThunk);
-        for (; lookup->u1.AddressOfData != 0; ++lookup, ++bound) {
-            if (IMAGE_SNAP_BY_ORDINAL(lookup->u1.Ordinal)) {
-                continue;
-            }
-            const auto* entry =
-                at<IMAGE_IMPORT_BY_NAME>(module, static_cast<DWORD>(lookup->u1.AddressOfData));
-            if (std::strcmp(reinterpret_cast<const char*>(entry->Name), name) == 0) {
-                return reinterpret_cast<void**>(&bound->u1.Function);
+        auto* slot = at<void*>(module, library->FirstThunk);
+        for (auto* entry = at<IMAGE_THUNK_DATA>(module, library->OriginalFirstThunk);
+             entry->u1.AddressOfData != 0; ++entry, ++slot) {
+            if (!IMAGE_SNAP_BY_ORDINAL(entry->u1.Ordinal) &&
+                std::strcmp(at<IMAGE_IMPORT_BY_NAME>(module, entry->u1.AddressOfData)->Name,
+                            name) == 0) {
+                return slot;
             }
         }
     }
-    return nullptr;
+    ADD_FAILURE() << name << " is not imported, so nothing is replaced";
+    static void* none = nullptr;  // what is replaced instead
+    return &none;
 }
 
 }  // namespace
 
 ImportPatch::ImportPatch(const char* name, void* replacement, HMODULE module)
-    : slot(findImport(module != nullptr ? module : GetModuleHandleW(nullptr), name)) {
-    if (slot == nullptr) {
-        ADD_FAILURE() << name << " is not imported, so nothing was replaced";
-        return;
-    }
-    replaced = *slot;
-    exchange(replacement);
+    : slot(findImport(module != nullptr ? module : GetModuleHandleW(nullptr), name)),
+      other(replacement) {
+    exchange();
 }
 
-ImportPatch::~ImportPatch() {
-    if (slot != nullptr) {
-        exchange(replaced);
-    }
-}
-
-void ImportPatch::exchange(void* function) {
+void ImportPatch::exchange() {
     DWORD protection = 0;
     VirtualProtect(static_cast<void*>(slot), sizeof(*slot), PAGE_READWRITE, &protection);
-    *slot = function;
+    std::swap(*slot, other);
     VirtualProtect(static_cast<void*>(slot), sizeof(*slot), protection, &protection);
 }
 

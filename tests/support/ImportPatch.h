@@ -11,21 +11,21 @@ class ImportPatch {
     // `name` is the imported function's, as in "RegOpenKeyW"; `module` null means the program.
     // A name that the module does not import is a failure of the test.
     ImportPatch(const char* name, void* replacement, HMODULE module = nullptr);
-    ~ImportPatch();
+    ~ImportPatch() { exchange(); }
     ImportPatch(const ImportPatch&) = delete;
     ImportPatch& operator=(const ImportPatch&) = delete;
 
     // The function that was there before, to be called through.
     template <typename Function>
     Function* original() const {
-        return reinterpret_cast<Function*>(replaced);
+        return reinterpret_cast<Function*>(other);
     }
 
  private:
-    void exchange(void* function);
+    void exchange();
 
-    void** slot = nullptr;
-    void* replaced = nullptr;
+    void** slot;
+    void* other;
 };
 
 }  // namespace tests

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <utility>
 
 #include "support/ImportPatch.h"
@@ -26,23 +25,18 @@ class Hook;
 template <FunctionName name, typename Result, typename... Arguments, typename Instead>
 class Hook<name, Result WINAPI(Arguments...), Instead> {
  public:
-    explicit Hook(Instead function) : instead(std::move(function)) {
-        current = this;
-        patch = std::make_unique<ImportPatch>(name.text, reinterpret_cast<void*>(&call));
-    }
-    ~Hook() = default;
-    Hook(const Hook&) = delete;
-    Hook& operator=(const Hook&) = delete;
+    explicit Hook(Instead function) : instead(std::move(function)) {}
 
  private:
     static Result WINAPI call(Arguments... arguments) {
-        auto* const real = current->patch->template original<Result WINAPI(Arguments...)>();
+        auto* const real = current->patch.template original<Result WINAPI(Arguments...)>();
         return current->instead(real, arguments...);
     }
 
     static inline Hook* current = nullptr;
     Instead instead;
-    std::unique_ptr<ImportPatch> patch;
+    [[maybe_unused]] Hook* const self = current = this;  // before the first call
+    ImportPatch patch{name.text, reinterpret_cast<void*>(&call)};
 };
 
 // While the result lives, `instead(real, arguments...)` is called for the function `name`, on
