@@ -163,7 +163,7 @@ TEST_F(CommandRunner, AsksWindowsForExactlyThis) {
             EXPECT_TRUE(environment == nullptr && directory == nullptr);
             EXPECT_EQ(startup->cb, sizeof(STARTUPINFOA));
             EXPECT_EQ(startup->dwFlags, DWORD{STARTF_USESTDHANDLES});
-            EXPECT_EQ(startup->hStdInput, nullptr);
+            EXPECT_TRUE(startup->hStdInput == nullptr && startup->hStdError != nullptr);
             EXPECT_TRUE(startup->lpReserved == nullptr && startup->lpReserved2 == nullptr);
             EXPECT_TRUE(startup->lpDesktop == nullptr && startup->lpTitle == nullptr);
             for (HANDLE readEnd : readEnds) {
