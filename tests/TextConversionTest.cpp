@@ -49,7 +49,12 @@ TEST_F(TextConversion, FollowsTheLocale) {
     }
 #ifdef _WIN32  // .932, as the last row
     for (const char* const cutOff : {"a\x82", "\x82", "\x82\x01z"}) {
-        EXPECT_THROW(stringToWstring(cutOff), std::length_error) << cutOff;
+        try {
+            stringToWstring(cutOff);
+            ADD_FAILURE() << cutOff;
+        } catch (const std::length_error& error) {  // as a failed resize throws, too
+            EXPECT_STREQ(error.what(), "string too long");
+        }
     }
 #endif
 }
