@@ -10,6 +10,13 @@ import sys
 from report import heading, read_times, write_block
 
 # What, against, the two cases, and the goal: their ratio is at most that.
+# Wine's server answers these, now and then in a fifth of its time: of them the median counts.
+SERVED = [
+    ("registry value read", "RegQueryValueExW", "registry read", "bare", 1.10),
+    ("registry value set", "RegSetValueExW", "registry set", "bare", 1.10),
+    ("100 registry sub keys listed", "RegEnumKeyW, RegOpenKeyW", "registry list", "bare", 1.10),
+    ("`runCommand`, 64 KB of output", "the platform's calls", "runCommand", "bare", 1.10),
+]
 SHIPPED = [
     ("`allocate` and `deallocate`", "malloc, free", "allocate", "bare", 1.05),
     ("`findObject`, 10 names", "lock, find", "findObject/10", "bare", 1.10),
@@ -26,10 +33,7 @@ SHIPPED = [
     ("`LogMessage`, text and 1.125", "spdlog", "LogMessage point", "spdlog", 1.0),
     ("`LogMessage`, 300 bytes of text", "spdlog", "LogMessage 300", "spdlog", 1.0),
     ("load and unload the DLL", "an empty DLL", "load", "bare", 1.3),
-    ("registry value read", "RegQueryValueExW", "registry read", "bare", 1.10),
-    ("registry value set", "RegSetValueExW", "registry set", "bare", 1.10),
-    ("100 registry sub keys listed", "RegEnumKeyW, RegOpenKeyW", "registry list", "bare", 1.10),
-    ("`runCommand`, 64 KB of output", "the platform's calls", "runCommand", "bare", 1.10),
+    *SERVED,
 ]
 NATIVE = [
     ("`LogMessage`, text and two integers", peer, "LogMessage", peer, 1.0)
@@ -43,11 +47,13 @@ NATIVE = [
 def rows(times, goals):
     yield "| What | Against | ns | against, ns | Ratio | Median | Middle half | Goal | |"
     yield "|---|---|---:|---:|---:|---:|---:|---:|---|"
-    for what, against, group, subject, goal in goals:
+    for row in goals:
+        what, against, group, subject, goal = row
         ours, other = times[group + "/ours"], times[f"{group}/{subject}"]
-        ratio = min(ours) / min(other)
+        typical = statistics.median if row in SERVED else min
+        ratio = typical(ours) / typical(other)
         low, median, high = statistics.quantiles((a / b for a, b in zip(ours, other)), n=4)
-        yield (f"| {what} | {against} | {min(ours):,.0f} | {min(other):,.0f} | {ratio:.2f} "
+        yield (f"| {what} | {against} | {typical(ours):,.0f} | {typical(other):,.0f} | {ratio:.2f} "
                f"| {median:.2f} | {low:.2f} to {high:.2f} | {goal:.2f} "
                f"| {'met' if ratio <= goal else '**missed**'} |")
 
