@@ -54,7 +54,7 @@ int main(int argc, char** argv) {
             write(childBytes(std::stoul(value)));
         } else if (step == "await") {
             SetEvent(OpenEventA(EVENT_MODIFY_STATE, FALSE, ("here" + value).c_str()));
-            const HANDLE go = OpenEventA(SYNCHRONIZE, FALSE, ("go" + value).c_str());
+            auto* const go = OpenEventA(SYNCHRONIZE, FALSE, ("go" + value).c_str());
             if (WaitForSingleObject(go, kFiveMinutes) != 0) {
                 return 1;
             }

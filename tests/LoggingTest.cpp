@@ -95,11 +95,11 @@ TEST_F(Logging, SinksAndProvidersMayCallBack) {
               "pa:1outer pa:1a qa:1a pb:1b qb:1b pnew:1new qnew:1new qa:1outer ");
     // A provider asks for the same name: the inner channel stays, the outer one's sinks are
     // released.
-    ChannelHandle const own = manager.getChannel("own");
+    auto* const own = manager.getChannel("own");
     EXPECT_EQ(own, inner);
     EXPECT_EQ(takeEvents(), "pown:2inner qown:2inner -pown -qown ");
     // The caller's text is not read again after a provider has changed it.
-    ChannelHandle const changed = manager.getChannel(name.c_str());
+    auto* const changed = manager.getChannel(name.c_str());
     EXPECT_EQ(changed, manager.getChannel("changed"));
     EXPECT_EQ(name, "since");
     // A provider registered from inside is first asked for the next channel.
@@ -154,7 +154,7 @@ TEST_F(Logging, FailedAllocationLeavesTheStatedState) {
     struct Row {
         std::size_t cached;  // before the call; the 102nd is the marker
         void (*call)(LogManager&, ChannelHandle);
-        unsigned newSinks, newProviders, newRecords;
+        std::size_t newSinks, newProviders, newRecords;
     };
     const auto log = [](LogManager& m, ChannelHandle channel) { m.log(channel, 1, kLongText); };
     for (const Row& row :
@@ -175,7 +175,7 @@ TEST_F(Logging, FailedAllocationLeavesTheStatedState) {
             for (const char* tag : {"p", "a tag that no short string holds in place"}) {
                 each.registerSinkProvider(std::make_unique<TestProvider>(tag));
             }
-            const unsigned done = fail([&] { row.call(each, handle); }) ? 0 : 1;
+            const std::size_t done = fail([&] { row.call(each, handle); }) ? 0 : 1;
             EXPECT_EQ(liveSinks, done * row.newSinks);
             EXPECT_EQ(providerRegistry.size(), 2 + done * row.newProviders);
             const std::size_t cached = row.cached + done * row.newRecords;

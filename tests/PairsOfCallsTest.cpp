@@ -22,9 +22,9 @@ using namespace Quend::Framework;
 using namespace Quend::Framework::Management;
 
 const std::vector<std::string> names = [] {
-    std::vector<std::string> made;
-    for (int i = 0; i < 50; ++i) {
-        made.push_back("name " + std::to_string(i));
+    std::vector<std::string> made(50, "name ");
+    for (std::size_t i = 0; i < made.size(); ++i) {
+        made[i] += std::to_string(i);
     }
     return made;
 }();

@@ -33,10 +33,14 @@ class Hook<name, Result WINAPI(Arguments...), Instead> {
         return current->instead(real, arguments...);
     }
 
+    void* callHere() {
+        current = this;
+        return reinterpret_cast<void*>(&call);
+    }
+
     static inline Hook* current = nullptr;
     Instead instead;
-    [[maybe_unused]] Hook* const self = current = this;  // before the first call
-    ImportPatch patch{name.text, reinterpret_cast<void*>(&call)};
+    ImportPatch patch{name.text, callHere()};
 };
 
 // While the result lives, `instead(real, arguments...)` is called for the function `name`, on
