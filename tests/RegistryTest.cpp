@@ -213,6 +213,7 @@ TEST_F(RegistryTest, ReadsAnyDataWithinItsBuffer) {
         setRaw(std::wstring(length, L'a'), REG_DWORD, "");
         EXPECT_EQ(outcome(text), length == 260 ? "" : kRead.other);
     }
+    EXPECT_EQ(key.getIntValue(std::string(260, 'a')), 0);  // a number of no bytes
 }
 
 TEST_F(RegistryTest, WritesTwoBytesForEachByteOfText) {
