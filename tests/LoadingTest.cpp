@@ -71,9 +71,11 @@ TEST(Loading, ManyCyclesLeaveTheProcessAsItWas) {
     do {
         runRounds(100);
         rounds += 100;
-        std::printf("%7zu rounds: %zu handles, TLS index %lu, %zu KiB, %zu blocks\n", rounds,
-                    tests::handleCount(), tests::nextTlsIndex(), tests::committedBytes() / 1024,
-                    tests::heapBlocks());
+        if (rounds % 1000 == 100) {
+            std::printf("%7zu rounds: %zu handles, TLS index %lu, %zu KiB, %zu blocks\n", rounds,
+                        tests::handleCount(), tests::nextTlsIndex(), tests::committedBytes() / 1024,
+                        tests::heapBlocks());
+        }
     } while (std::chrono::steady_clock::now() - start < length && !HasFailure());
     EXPECT_LT(tests::heapBlocks(), blocks + rounds);
     EXPECT_EQ(tests::handleCount(), handles);
