@@ -45,6 +45,13 @@ class LoadedModule {
     HMODULE module;
 };
 
+struct Figures {
+    std::size_t handles = tests::handleCount();
+    DWORD tlsIndex = tests::nextTlsIndex();
+    std::size_t committed = tests::committedBytes();
+    std::size_t blocks = tests::heapBlocks();
+};
+
 // scripts/soak runs this test for the minutes that it sets in the environment.
 TEST(Loading, ManyCyclesLeaveTheProcessAsItWas) {
     Tally tally;
@@ -63,24 +70,23 @@ TEST(Loading, ManyCyclesLeaveTheProcessAsItWas) {
     GetEnvironmentVariableA("QUEND_SOAK_MINUTES", minutes.data(), minutes.size());
     const std::chrono::duration<double> length(60 * std::strtod(minutes.data(), nullptr));
     const auto start = std::chrono::steady_clock::now();
-    const std::size_t handles = tests::handleCount();
-    const DWORD tlsIndex = tests::nextTlsIndex();
-    const std::size_t committed = tests::committedBytes();
-    const std::size_t blocks = tests::heapBlocks();
+    const Figures before;
+    Figures after;
     std::size_t rounds = 0;
     do {
         runRounds(100);
         rounds += 100;
+        after = Figures();
         if (rounds % 1000 == 100) {
             std::printf("%7zu rounds: %zu handles, TLS index %lu, %zu KiB, %zu blocks\n", rounds,
-                        tests::handleCount(), tests::nextTlsIndex(), tests::committedBytes() / 1024,
-                        tests::heapBlocks());
+                        after.handles, after.tlsIndex, after.committed / 1024, after.blocks);
         }
     } while (std::chrono::steady_clock::now() - start < length && !HasFailure());
-    EXPECT_LT(tests::heapBlocks(), blocks + rounds);
-    EXPECT_EQ(tests::handleCount(), handles);
-    EXPECT_EQ(tests::nextTlsIndex(), tlsIndex);
-    EXPECT_LE(tests::committedBytes(), committed + 262'144);  // what the heap takes at once
+    // Wine opens one handle, once, when two threads first want the heap at the same time.
+    EXPECT_LE(after.handles, before.handles + 1);
+    EXPECT_EQ(after.tlsIndex, before.tlsIndex);
+    EXPECT_LE(after.committed, before.committed + 262'144);  // what the heap takes at once
+    EXPECT_LT(after.blocks, before.blocks + rounds);
     EXPECT_EQ(tally.messages, 0) << "logged and not written";
     EXPECT_EQ(tally.mistakes, 0);
 }

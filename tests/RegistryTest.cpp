@@ -250,7 +250,7 @@ TEST_F(RegistryTest, SubKeysAreListedByTheirNames) {
     }
     RegSetKeyValueW(HKEY_CURRENT_USER, (widePath + L"\\\x3042\x3044").c_str(), L"hidden", REG_DWORD,
                     "", 0);
-    names.insert({'\0', '\0'});
+    names.insert(std::string(2, '\0'));
     key.setIntValue("", 1);
     std::set<std::string> listed;
     for (const Registry& subKey : key.getSubKeys()) {

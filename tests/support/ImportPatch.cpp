@@ -22,9 +22,9 @@ void** findImport(HMODULE module, const char* name) {
         auto* slot = at<void*>(module, library->FirstThunk);
         for (auto* entry = at<IMAGE_THUNK_DATA>(module, library->OriginalFirstThunk);
              entry->u1.AddressOfData != 0; ++entry, ++slot) {
+            const auto* import = at<IMAGE_IMPORT_BY_NAME>(module, entry->u1.AddressOfData);
             if (!IMAGE_SNAP_BY_ORDINAL(entry->u1.Ordinal) &&
-                std::strcmp(at<IMAGE_IMPORT_BY_NAME>(module, entry->u1.AddressOfData)->Name,
-                            name) == 0) {
+                std::strcmp(reinterpret_cast<const char*>(import->Name), name) == 0) {
                 return slot;
             }
         }
