@@ -17,7 +17,8 @@ namespace {
 
 // Made apart from the throw: whatever is alive at a throw is unwound, which doubled its time.
 Exceptions::UnexistentProperty unexistent(const char* complaint, const std::wstring& name) {
-    // Empty if the name cannot be converted, and so is the message then.
+    // The complaint reads the same in every encoding of the runtime, so only the name is converted.
+    // If that fails, the whole message is empty.
     const std::string narrowName = Text::wideToNarrow(name.c_str());
     const std::string message = narrowName.empty() ? "" : complaint + narrowName;
     return Exceptions::UnexistentProperty(message.c_str());
