@@ -1,15 +1,14 @@
 // The child of the command runner's tests. Does what its arguments say, one after the other:
 //   say TEXT      writes it to standard output
-//   bytes N       writes childBytes(N) there
+//   bytes N       writes N bytes there: 0 to 250, so that a lost block of 128 or 256 would show
 //   close         closes standard output
 //   await NAME    sets the event hereNAME and waits for goNAME; ends after five minutes, when the
 //                 test is dead
 //   leave ...     starts another of this program to do the rest, and ends; without the console,
 //                 as under Wine a console's host inherits the output and holds it open
-#include "CommandChild.h"
-
 #include <windows.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -51,7 +50,10 @@ int main(int argc, char** argv) {
         if (step == "say") {
             write(value);
         } else if (step == "bytes") {
-            write(childBytes(std::stoul(value)));
+            std::string bytes(std::stoul(value), '\0');
+            std::generate(bytes.begin(), bytes.end(),
+                          [i = 0]() mutable { return static_cast<char>(i++ % 251); });
+            write(bytes);
         } else if (step == "await") {
             SetEvent(OpenEventA(EVENT_MODIFY_STATE, FALSE, ("here" + value).c_str()));
             auto* const go = OpenEventA(SYNCHRONIZE, FALSE, ("go" + value).c_str());

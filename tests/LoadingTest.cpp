@@ -12,7 +12,6 @@
 #include <set>
 #include <vector>
 
-#include "support/ModuleExport.h"
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
 #include "support/Tally.h"
@@ -132,8 +131,8 @@ TEST(Loading, EachLoadSeedsWithTheMillisecondsOfTheClock) {
 
 TEST(Loading, ProcessAttachAloneTurnsThreadNotificationsOff) {
     std::vector<HMODULE> quietModules;
-    const auto hook = tests::hook<"DisableThreadLibraryCalls", decltype(DisableThreadLibraryCalls)>(
-        [&](auto, HMODULE module) {
+    const tests::Hook hook(
+        "DisableThreadLibraryCalls", DisableThreadLibraryCalls, [&](auto, HMODULE module) {
             quietModules.push_back(module);
             return FALSE;  // as Windows answers for a module with a thread storage directory
         });

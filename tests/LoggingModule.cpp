@@ -4,53 +4,36 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <mutex>
 #include <stdexcept>
-#include <string>
 
-#include "logging/LogManager.h"
 #include "logging/LogMessage.h"
+#include "models/Logging.h"
 #include "support/Tally.h"
 
 namespace {
 
-using namespace Quend::Framework::Logging;
+using namespace tests;
 
-Tally ownTally;
-Tally* current = &ownTally;
-Report reportTo = [](const char*) {};
+Tally* current = nullptr;
 bool refuses = false;
 
-struct Sink final : LogSink {
-    Sink() { ++current->objects; }
-    ~Sink() { --current->objects; }
-    void release() noexcept override {
-        reportTo("release");
-        delete this;
+void onWrite(const std::string& text) {
+    current != nullptr ? --current->messages : 0;
+    if (text == "throw") {
+        throw std::runtime_error("on purpose");
     }
-    void write(std::uint32_t, const char* text) override {
-        reportTo(text);
-        --current->messages;
-        if (std::string("throw") == text) {
-            throw std::runtime_error("on purpose");
-        }
-        std::string("block") == text ? Sleep(INFINITE) : void();
-    }
-};
+    text == "block" ? Sleep(INFINITE) : void();
+}
 
-struct Provider final : LogSinkProvider {
-    explicit Provider(std::string channelWithoutSink) : silent(std::move(channelWithoutSink)) {}
-    // At unload no provider is registered any more, so this message is cached and seen by nobody.
-    ~Provider() override {
-        reportTo("~provider");
-        log(getChannel("silent"), 1, "last words");
-    }
-    LogSink* createSink(const char* channel) override {
-        return channel == silent ? nullptr : new Sink;
-    }
-    std::string silent;
-};
+// At unload no provider is registered any more, so this message is cached and seen by nobody.
+void onCreate(const std::string& channel) {
+    channel == "~" ? log(getChannel("none"), 1, "last words") : void();
+}
+
+void addProvider(const char* tag) {
+    registerSinkProvider(std::make_unique<TestProvider>(tag, onWrite, onCreate));
+}
 
 }  // namespace
 
@@ -58,13 +41,13 @@ extern "C" __declspec(dllexport) void work(Tally* tally) {
     static std::once_flag once;
     std::call_once(once, [tally] {
         current = tally;
-        registerSinkProvider(std::make_unique<Provider>("silent"));
+        addProvider("p");
     });
     for (int i = 0; i < 100; ++i) {
         const std::string name = "channel " + std::to_string(i % 5);
         tally->messages += 2;
         LogMessage(getChannel(name.c_str()), 10) << "message " << i << " of " << 100;
-        LogMessage(getChannel("silent"), 10) << "half of it: " << i / 2.0;  // into the cache
+        LogMessage(getChannel("none"), 10) << "half of it: " << i / 2.0;  // into the cache
         tally->requireThrow<std::runtime_error>(
             [&] { log(getChannel(name.c_str()), 10, "throw"); });
     }
@@ -73,22 +56,26 @@ extern "C" __declspec(dllexport) void work(Tally* tally) {
 extern "C" __declspec(dllexport) void logInModule(const wchar_t* plugin, std::uint32_t level,
                                                   const char* text) {
     if (plugin != nullptr) {
-        registerSinkProvider(std::make_unique<Provider>("silent"));
+        addProvider("own");
         loadPluginLibrary(plugin);
     }
-    LogMessage(getChannel("silent"), level) << text;
+    LogMessage(getChannel("own"), level) << text;
 }
 
-extern "C" __declspec(dllexport) void prepareModule(Report report, bool isRefusing) {
-    reportTo = report;
+extern "C" __declspec(dllexport) void prepareModule(Report newReport, bool isRefusing) {
+    report = newReport;
     refuses = isRefusing;
 }
 
 extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider() {
-    return refuses ? nullptr : new Provider("");
+    return refuses ? nullptr : new TestProvider("p", onWrite, onCreate);
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
-    reason == DLL_PROCESS_DETACH ? reportTo("gone") : void();
+    if (reason == DLL_PROCESS_ATTACH) {
+        report = [](std::string_view) {};
+    } else if (reason == DLL_PROCESS_DETACH) {
+        record("gone");
+    }
     return TRUE;
 }

@@ -2,12 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 // Exported as prepareModule: events are reported to `report`, and the entry point of plug-ins
 // returns no provider if `isRefusing`. A sink never returns from writing "block".
-using Report = void (*)(const char* event);
+using Report = void (*)(std::string_view piece);
 using PrepareModule = void(Report report, bool isRefusing);
 
-// Exported as logInModule: loads the plug-in unless null, and logs to a channel for which only the
-// plug-in has a sink.
+// Exported as logInModule: loads the plug-in unless null, and logs to a channel "own" for which
+// only the plug-in has a sink.
 using LogInModule = void(const wchar_t* plugin, std::uint32_t level, const char* text);

@@ -15,8 +15,6 @@
 #include "logging/DebugString.h"
 #include "models/Logging.h"
 #include "support/Allocations.h"
-#include "support/ImportPatch.h"
-#include "support/ModuleExport.h"
 #include "support/PlatformCalls.h"
 
 namespace {
@@ -26,20 +24,15 @@ using namespace tests;
 const wchar_t* const kPlugin = L"LoggingPlugin.dll";
 const wchar_t* const kModule = L"LoggingModule.dll";
 
-void record(const char* event) { events.append(event).append(" "); }
-
 // The plug-in stays loaded as long as the result lives.
-std::shared_ptr<HINSTANCE__> preparePlugin(Report report, bool isRefusing = false) {
+std::shared_ptr<HINSTANCE__> preparePlugin(Report whereTo = report, bool isRefusing = false) {
+    events.clear();
     std::shared_ptr<HINSTANCE__> module(LoadLibraryW(kPlugin), FreeLibrary);
-    exportOf<PrepareModule>(module.get(), "prepareModule")(report, isRefusing);
+    exportOf<PrepareModule>(module.get(), "prepareModule")(whereTo, isRefusing);
     return module;
 }
 
-struct LoggingPlugin : testing::Test {
-    LoggingPlugin() { events.clear(); }
-};
-
-TEST_F(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
+TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
     struct Row {
         const wchar_t* path;
         int code;
@@ -52,7 +45,7 @@ TEST_F(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
           Row{L"no such \u00e9.dll", ERROR_MOD_NOT_FOUND,
               "Cannot load the plug-in library no such ?.dll"}}) {
         LogManager manager;
-        auto prepared = preparePlugin(record, true);
+        auto prepared = preparePlugin(report, true);
         try {
             manager.loadPluginLibrary(path);
             ADD_FAILURE();
@@ -69,12 +62,12 @@ TEST_F(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
     }
 }
 
-TEST_F(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
+TEST(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
     ProviderRegistry().swap(providerRegistry);  // which keeps its room
     failEachAllocation([](long, auto fail) {
         {
             LogManager manager;
-            auto plugin = preparePlugin([](const char*) {});
+            auto plugin = preparePlugin([](std::string_view) {});
             const bool failed = fail([&] { manager.loadPluginLibrary(kPlugin); });
             plugin.reset();
             EXPECT_EQ(providerRegistry.size(), failed ? 0U : 1U);
@@ -82,41 +75,37 @@ TEST_F(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
         }
         ProviderRegistry().swap(providerRegistry);
         EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
-        return 0L;
     });
 }
 
-TEST_F(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
+TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
     LogManager manager;
-    auto plugin = preparePlugin(record);
+    auto plugin = preparePlugin();
     manager.loadPluginLibrary(kPlugin);
     plugin.reset();
     manager.log(manager.getChannel("c"), 1, "text");
     {
-        const auto hook =
-            tests::hook<"FreeLibrary", decltype(FreeLibrary)>([](auto real, HMODULE module) {
-                record("FreeLibrary");
-                return real(module);
-            });
+        const Hook hook("FreeLibrary", FreeLibrary, [](auto real, HMODULE module) {
+            record("FreeLibrary");
+            return real(module);
+        });
         manager.shutdownLogging();
         manager.shutdownLogging();
     }
     // Released in its turn, but its code stays until the last sink is gone.
-    EXPECT_EQ(takeEvents(), "text ~provider FreeLibrary release FreeLibrary gone ");
+    EXPECT_EQ(takeEvents(), "pc:1text ~p FreeLibrary -pc FreeLibrary gone ");
 }
 
 HANDLE entered = nullptr;
-
-void reportToStderr(const char* event) {
-    std::fprintf(stderr, "%s ", event);
-    SetEvent(entered);
-}
 
 void exitWithModuleLoaded(const char* text, bool isThreadInside) {
     entered = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     std::thread thread([text] {
         const HMODULE module = LoadLibraryW(kModule);
-        const auto plugin = preparePlugin(reportToStderr);
+        const auto plugin = preparePlugin([](std::string_view piece) {
+            std::fwrite(piece.data(), 1, piece.size(), stderr);
+            piece == " " ? SetEvent(entered) : TRUE;
+        });
         exportOf<LogInModule>(module, "logInModule")(kPlugin, 1, text);
     });
     WaitForSingleObject(entered, INFINITE);
@@ -126,24 +115,23 @@ void exitWithModuleLoaded(const char* text, bool isThreadInside) {
 
 TEST(LoggingPluginDeathTest, ProcessExitDoesNotWaitForAThreadStoppedInASink) {
     EXPECT_EXIT(exitWithModuleLoaded("text", false), testing::ExitedWithCode(7),
-                "^text gone ~provider release $");
-    EXPECT_EXIT(exitWithModuleLoaded("block", true), testing::ExitedWithCode(7), "^block gone $");
+                "^pown:1text gone ~p -pown $");
+    EXPECT_EXIT(exitWithModuleLoaded("block", true), testing::ExitedWithCode(7),
+                "^pown:1block gone $");
 }
 
-using Getenv = errno_t(std::size_t*, wchar_t*, std::size_t, const wchar_t*);
-Getenv* originalGetenv = nullptr;
+errno_t (*const overload)(std::size_t*, wchar_t*, std::size_t, const wchar_t*) = _wgetenv_s;
 int environmentReads = 0;
 int failingRead = 0;
 
 // Windows, unlike Wine, does not treat a query for the size as an error.
-errno_t countingGetenv(std::size_t* size, wchar_t* buffer, std::size_t room, const wchar_t* name) {
-    const errno_t error = originalGetenv(size, buffer, room, name);
+const auto countingGetenv = [](auto real, auto* size, auto* buffer, std::size_t room, auto* name) {
+    const errno_t error = real(size, buffer, room, name);
     return ++environmentReads == failingRead ? EINVAL : room == 0 ? 0 : error;
-}
+};
 
 TEST(LoggingEnvironment, DebugStringIsRead) {
-    const ImportPatch patch("_wgetenv_s", reinterpret_cast<void*>(&countingGetenv));
-    originalGetenv = patch.original<Getenv>();
+    const Hook hook("_wgetenv_s", overload, countingGetenv);
     struct Row {
         const wchar_t* value;
         int failing;
@@ -163,14 +151,13 @@ TEST(LoggingEnvironment, DebugStringIsRead) {
     }
 }
 
-TEST_F(LoggingPlugin, ModuleReadsTheEnvironmentOnceAndEndsItsPluginsAtUnload) {
+TEST(LoggingPlugin, ModuleReadsTheEnvironmentOnceAndEndsItsPluginsAtUnload) {
     const HMODULE module = LoadLibraryW(kModule);
     auto* const logInModule = exportOf<LogInModule>(module, "logInModule");
     {
-        const ImportPatch patch("_wgetenv_s", reinterpret_cast<void*>(&countingGetenv), module);
-        originalGetenv = patch.original<Getenv>();
+        const Hook hook("_wgetenv_s", overload, countingGetenv, module);
         environmentReads = failingRead = 0;
-        const auto plugin = preparePlugin(record);
+        const auto plugin = preparePlugin();
         logInModule(kPlugin, 0, "not logged");
         EXPECT_EQ(environmentReads, 0);
         logInModule(nullptr, 1, "first");
@@ -178,7 +165,7 @@ TEST_F(LoggingPlugin, ModuleReadsTheEnvironmentOnceAndEndsItsPluginsAtUnload) {
         EXPECT_EQ(environmentReads, 1);  // it is not there
     }
     EXPECT_TRUE(FreeLibrary(module));
-    EXPECT_EQ(takeEvents(), "first second ~provider release gone ");
+    EXPECT_EQ(takeEvents(), "pown:1first pown:1second ~p -pown gone ");
     EXPECT_EQ(GetModuleHandleW(kModule), nullptr);
     EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
 }

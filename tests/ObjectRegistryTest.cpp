@@ -65,7 +65,7 @@ TEST(ObjectRegistry, FailedAllocationLeavesNothingRecorded) {
             registry.unregisterObject(kLongName);
             EXPECT_EQ(destroyed, before + 1);
             const bool isLost = failed ? n > 2 : isHeldWithNull;  // the entry and the object
-            return isLost ? 2L : 0L;
+            tests::leftOnPurpose = isLost ? 2 : 0;
         });
     }
 }
@@ -73,13 +73,13 @@ TEST(ObjectRegistry, FailedAllocationLeavesNothingRecorded) {
 TEST(ObjectRegistry, LookingUpAndGivingBackAllocateNothing) {
     ObjectRegistry registry;
     registry.registerObject(kLongName, makeTracked);
-    const long before = tests::allocationsSoFar();
-    registry.findObject(kLongName);
-    registry.registerObject(kLongName, makeTracked);
-    registry.unregisterObject(kLongName);
-    registry.unregisterObject(kLongName);
-    registry.unregisterObject(kLongName);
-    EXPECT_EQ(tests::allocationsSoFar(), before);
+    tests::expectNoAllocation([&] {
+        registry.findObject(kLongName);
+        registry.registerObject(kLongName, makeTracked);
+        for (int i = 0; i < 3; ++i) {
+            registry.unregisterObject(kLongName);
+        }
+    });
 }
 
 void expectEveryCallRefused() {

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -20,7 +21,13 @@ using Callback = std::function<void(const std::string&)>;
 
 // What reached the sinks and providers, in order. Has room, so that recording allocates nothing.
 inline std::string events;
-inline long liveSinks = 0;
+inline void (*report)(std::string_view) = [](std::string_view piece) { events.append(piece); };
+
+template <typename... Pieces>
+void record(const Pieces&... pieces) {
+    (report(pieces), ...);
+    report(" ");
+}
 
 inline std::string takeEvents() {
     std::string taken = events;
@@ -30,16 +37,13 @@ inline std::string takeEvents() {
 
 struct TestSink final : LogSink {
     TestSink(std::string sinkTag, Callback write)
-        : tag(std::move(sinkTag)), onWrite(std::move(write)) {
-        ++liveSinks;
-    }
-    ~TestSink() { --liveSinks; }
+        : tag(std::move(sinkTag)), onWrite(std::move(write)) {}
     void release() noexcept override {
-        events.append("-").append(tag).append(" ");
+        record("-", tag);
         delete this;
     }
     void write(std::uint32_t level, const char* text) override {
-        events.append(tag).append(":").append(std::to_string(level)).append(text).append(" ");
+        record(tag, ":", std::to_string(level), text);
         onWrite ? onWrite(text) : void();
     }
     std::string tag;
@@ -47,11 +51,14 @@ struct TestSink final : LogSink {
 };
 
 // Its sinks are tagged with its own tag and the channel's name. None for a name that ends in its
-// own tag, nor for "none".
+// own tag, nor for "none". When it is deleted, `onCreate` gets "~".
 struct TestProvider final : LogSinkProvider {
     explicit TestProvider(std::string providerTag, Callback write = {}, Callback create = {})
         : tag(std::move(providerTag)), onWrite(std::move(write)), onCreate(std::move(create)) {}
-    ~TestProvider() override { events.append("~").append(tag).append(" "); }
+    ~TestProvider() override {
+        record("~", tag);
+        onCreate ? onCreate("~") : void();
+    }
     LogSink* createSink(const char* channel) override {
         onCreate ? onCreate(channel) : void();
         return hasSink(tag, channel) ? new TestSink(tag + channel, onWrite) : nullptr;
@@ -78,16 +85,16 @@ inline void checkLogging(Input input) {
     };
     std::map<std::string, Channel> model;
     std::vector<std::string> providers;
+    std::string atShutdown;
     LogManager manager;
     while (!input.isAtEnd()) {
         const char operation = input.oneOf({'p', 'a', 'e', 'x', 'l', 'l', 'l', 'l'});
         const std::string name = input.oneOf({"", "a", "A", "aa", "a ", "aA", "\xff", "none"});
-        const bool isNew = !model.contains(name);
         Channel& channel = model[name];
         std::string expected;
         const auto write = [&](const std::string& message) {
             for (const std::string& sink : channel.sinks) {
-                expected.append(sink).append(":").append(message).append(" ");
+                expected += sink + ":" + message + " ";
             }
         };
         const auto attach = [&] {
@@ -101,7 +108,7 @@ inline void checkLogging(Input input) {
                 write(message);
             }
         };
-        if (isNew) {
+        if (channel.handle == nullptr) {
             channel.handle = manager.getChannel(name.c_str());
             attach();
         }
@@ -109,6 +116,7 @@ inline void checkLogging(Input input) {
         if (operation == 'p' && providers.size() < 5) {
             providers.emplace_back(input.oneOf({"a", "A", "\xff"}));
             manager.registerSinkProvider(std::make_unique<TestProvider>(providers.back()));
+            atShutdown += "~" + providers.back() + " ";
         } else if (operation == 'a') {
             for (LogSink* const sink : real.sinks) {
                 sink->release();  // as attaching forgets them
@@ -128,12 +136,10 @@ inline void checkLogging(Input input) {
             for (int i = input.oneOf({1, 50, 101}); i > 0; --i) {
                 manager.log(channel.handle, level, text);
                 const std::size_t cached = channel.cache.size();
-                if (channel.sinks.empty() || providers.empty() || level == 0) {
-                    if (cached < 102) {
-                        channel.cache.push_back(cached < 101 ? message : "40LOG Cache overflow...");
-                    }
-                } else if (channel.isEnabled) {
-                    write(message);
+                if (!channel.sinks.empty() && !providers.empty() && level != 0) {
+                    channel.isEnabled ? write(message) : void();
+                } else if (cached < 102) {
+                    channel.cache.push_back(cached < 101 ? message : "40LOG Cache overflow...");
                 }
             }
         }
@@ -146,9 +152,13 @@ inline void checkLogging(Input input) {
                         channel.cache[i]);
         }
     }
+    for (const auto& [name, channel] : model) {
+        for (const std::string& sink : channel.sinks) {
+            atShutdown += "-" + sink + " ";
+        }
+    }
     manager.shutdownLogging();
-    takeEvents();
-    MODEL_CHECK(liveSinks == 0 && providerRegistry.empty());
+    MODEL_CHECK(takeEvents() == atShutdown && providerRegistry.empty());
 }
 
 }  // namespace tests

@@ -11,7 +11,6 @@ namespace {
 // seen to race, whatever else they do.
 constexpr auto kUnordered = std::memory_order_relaxed;
 std::atomic<long> live{0};
-std::atomic<long> made{0};
 
 // By thread id: this toolchain allocates a thread_local variable on first use.
 std::atomic<DWORD> faultyThread{0};
@@ -19,44 +18,29 @@ long remaining = 0;  // these three belong to the faulty thread
 bool allLaterFail = false;
 bool faultHappened = false;
 
-void* countedAllocation(std::size_t size) {
-    if (faultyThread.load(kUnordered) == GetCurrentThreadId()) {
-        --remaining;
-        if (remaining == 0 || (remaining < 0 && allLaterFail)) {
-            faultHappened = true;
-            throw std::bad_alloc();
-        }
-    }
-    void* const block = std::malloc(size == 0 ? 1 : size);
+}  // namespace
+
+void* operator new(std::size_t size) {
+    const bool isFaulty = faultyThread.load(kUnordered) == GetCurrentThreadId() &&
+                          (--remaining == 0 || (remaining < 0 && allLaterFail));
+    void* const block = isFaulty ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (block == nullptr) {
+        faultHappened |= isFaulty;
         throw std::bad_alloc();
     }
-    made.fetch_add(1, kUnordered);
     live.fetch_add(1, kUnordered);
     return block;
 }
 
-void countedRelease(void* block) {
-    if (block != nullptr) {
-        live.fetch_sub(1, kUnordered);
-        std::free(block);
-    }
+void operator delete(void* block) noexcept {
+    live.fetch_sub(block != nullptr ? 1 : 0, kUnordered);
+    std::free(block);
 }
-
-}  // namespace
-
-void* operator new(std::size_t size) { return countedAllocation(size); }
-void* operator new[](std::size_t size) { return countedAllocation(size); }
-void operator delete(void* block) noexcept { countedRelease(block); }
-void operator delete[](void* block) noexcept { countedRelease(block); }
-void operator delete(void* block, std::size_t) noexcept { countedRelease(block); }
-void operator delete[](void* block, std::size_t) noexcept { countedRelease(block); }
+void operator delete(void* block, std::size_t /*size*/) noexcept { operator delete(block); }
 
 namespace tests {
 
 long liveBlocks() { return live; }
-
-long allocationsSoFar() { return made; }
 
 AllocationFault::AllocationFault(long nth, bool andAllLater) {
     remaining = nth;

@@ -22,8 +22,7 @@ class LostOnPurpose {
  public:
     explicit LostOnPurpose(bool lost) : isLost(lost) { isLost ? __lsan_disable() : void(); }
     ~LostOnPurpose() { isLost ? __lsan_enable() : void(); }
-    LostOnPurpose(const LostOnPurpose&) = delete;
-    LostOnPurpose& operator=(const LostOnPurpose&) = delete;
+    LostOnPurpose(LostOnPurpose&&) = delete;
 
  private:
     bool isLost;

@@ -1,38 +1,46 @@
-// Stands between the program and Windows: a hook gets every call of one function that the program
-// imports, and answers in its place or asks Windows. So tests note calls, fail one, or play a part.
+// What stands between a module and Windows: its imports, which the tests replace to note calls, to
+// fail one or to play a part, in an unchanged binary; and its exports.
 #pragma once
 
 #include <windows.h>
 
-#include <algorithm>
-#include <cstddef>
 #include <utility>
-
-#include "support/ImportPatch.h"
 
 namespace tests {
 
-// The name of a function as a template argument: functions of one type are told apart by it.
-template <std::size_t Size>
-struct FunctionName {
-    // NOLINTNEXTLINE(google-explicit-constructor): so that "ReadFile" is one
-    constexpr FunctionName(const char (&name)[Size]) { std::copy_n(name, Size, text); }
-    char text[Size]{};
+// While it lives, `module`, or the program if null, calls `replacement` for what it imports as
+// `name`. A name that is not imported fails the test.
+class ImportPatch {
+ public:
+    ImportPatch(const char* name, void* replacement, HMODULE module = nullptr);
+    ~ImportPatch() { exchange(); }
+    ImportPatch(ImportPatch&&) = delete;
+
+    void* original() const { return other; }
+
+ private:
+    void exchange();
+
+    void** slot;
+    void* other;
 };
 
-template <FunctionName name, typename Function, typename Instead>
-class Hook;
-template <FunctionName name, typename Result, typename... Arguments, typename Instead>
-class Hook<name, Result WINAPI(Arguments...), Instead> {
+// While it lives, `instead(real, arguments...)` answers, on any thread, each call of the function
+// `name`, which is `function`; `real` is the function to call through. As in
+//   const tests::Hook sleep("Sleep", Sleep, [](auto real, DWORD ms) { real(2 * ms); });
+template <typename Instead, typename Result, typename... Arguments>
+class Hook {
  public:
-    explicit Hook(Instead function) : instead(std::move(function)) {}
+    using Function = Result WINAPI(Arguments...);
+
+    Hook(const char* name, Function* /*function*/, Instead function, HMODULE module = nullptr)
+        : instead(std::move(function)), patch(name, callHere(), module) {}
 
  private:
     static Result WINAPI call(Arguments... arguments) {
-        auto* const real = current->patch.template original<Result WINAPI(Arguments...)>();
-        return current->instead(real, arguments...);
+        return current->instead(reinterpret_cast<Function*>(current->patch.original()),
+                                arguments...);
     }
-
     void* callHere() {
         current = this;
         return reinterpret_cast<void*>(&call);
@@ -40,15 +48,13 @@ class Hook<name, Result WINAPI(Arguments...), Instead> {
 
     static inline Hook* current = nullptr;
     Instead instead;
-    ImportPatch patch{name.text, callHere()};
+    ImportPatch patch;
 };
 
-// While the result lives, `instead(real, arguments...)` is called for the function `name`, on
-// whatever thread; `real` is the function itself. As in
-//   const auto hook = tests::hook<"Sleep", decltype(Sleep)>([](auto real, DWORD ms) { real(ms); });
-template <FunctionName name, typename Function, typename Instead>
-Hook<name, Function, Instead> hook(Instead instead) {
-    return Hook<name, Function, Instead>(std::move(instead));
+// By way of void*, as GetProcAddress returns a function of another type.
+template <typename Function>
+Function* exportOf(HMODULE module, const char* name) {
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
 }  // namespace tests

@@ -1,4 +1,4 @@
-#include "support/ImportPatch.h"
+#include "support/PlatformCalls.h"
 
 #include <gtest/gtest.h>
 
