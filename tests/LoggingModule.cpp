@@ -26,13 +26,11 @@ void onWrite(const std::string& text) {
     text == "block" ? Sleep(INFINITE) : void();
 }
 
-// At unload no provider is registered any more, so this message is cached and seen by nobody.
-void onCreate(const std::string& channel) {
-    channel == "~" ? log(getChannel("none"), 1, "last words") : void();
-}
-
-void addProvider(const char* tag) {
-    registerSinkProvider(std::make_unique<TestProvider>(tag, onWrite, onCreate));
+// Logs when it is deleted. At unload no provider is registered any more, so that message is cached
+// and seen by nobody.
+std::unique_ptr<LogSinkProvider> makeProvider(const char* tag) {
+    std::shared_ptr<void> end(nullptr, [](void*) { log(getChannel("none"), 1, "last words"); });
+    return std::make_unique<TestProvider>(tag, onWrite, [end](const std::string&) {});
 }
 
 }  // namespace
@@ -41,7 +39,7 @@ extern "C" __declspec(dllexport) void work(Tally* tally) {
     static std::once_flag once;
     std::call_once(once, [tally] {
         current = tally;
-        addProvider("p");
+        registerSinkProvider(makeProvider("p"));
     });
     for (int i = 0; i < 100; ++i) {
         const std::string name = "channel " + std::to_string(i % 5);
@@ -56,7 +54,7 @@ extern "C" __declspec(dllexport) void work(Tally* tally) {
 extern "C" __declspec(dllexport) void logInModule(const wchar_t* plugin, std::uint32_t level,
                                                   const char* text) {
     if (plugin != nullptr) {
-        addProvider("own");
+        registerSinkProvider(makeProvider("own"));
         loadPluginLibrary(plugin);
     }
     LogMessage(getChannel("own"), level) << text;
@@ -68,7 +66,7 @@ extern "C" __declspec(dllexport) void prepareModule(Report newReport, bool isRef
 }
 
 extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider() {
-    return refuses ? nullptr : new TestProvider("p", onWrite, onCreate);
+    return refuses ? nullptr : makeProvider("p").release();
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {

@@ -51,14 +51,11 @@ struct TestSink final : LogSink {
 };
 
 // Its sinks are tagged with its own tag and the channel's name. None for a name that ends in its
-// own tag, nor for "none". When it is deleted, `onCreate` gets "~".
+// own tag, nor for "none".
 struct TestProvider final : LogSinkProvider {
     explicit TestProvider(std::string providerTag, Callback write = {}, Callback create = {})
         : tag(std::move(providerTag)), onWrite(std::move(write)), onCreate(std::move(create)) {}
-    ~TestProvider() override {
-        record("~", tag);
-        onCreate ? onCreate("~") : void();
-    }
+    ~TestProvider() override { record("~", tag); }
     LogSink* createSink(const char* channel) override {
         onCreate ? onCreate(channel) : void();
         return hasSink(tag, channel) ? new TestSink(tag + channel, onWrite) : nullptr;
