@@ -14,7 +14,7 @@
 namespace {
 
 using namespace Quend::Framework::Management::MemoryManager;
-using Quend::Framework::Exceptions::FrameworkException;
+using namespace Quend::Framework::Exceptions;
 using Quend::Framework::Framework::propertyManager;
 using Quend::Framework::Framework::randomNumber;
 
@@ -44,7 +44,8 @@ void useProperties(Tally& tally, const std::wstring& name) {
     propertyManager()->setProperty(name, L"a value that no short string holds");
     propertyManager()->setProperty(name, propertyManager()->readProperty(name));
     propertyManager()->clearProperty(name);
-    tally.requireThrow<FrameworkException>([&] { propertyManager()->readProperty(name); });
+    tally.requireThrow<UnexistentProperty>([&] { propertyManager()->readProperty(name); });
+    tally.requireThrow<FrameworkException>([&] { propertyManager()->clearProperty(name); });
 }
 
 void useMemory(Tally& tally) {

@@ -17,7 +17,6 @@
 #include <Quend/Framework/ReadPropertyOr.h>
 
 #include "support/ProcessFigures.h"
-#include "support/Threads.h"
 
 namespace {
 
@@ -44,12 +43,6 @@ TEST(Client, MemoryComesFromTheRuntimesHeap) {
 
 static_assert(!std::is_base_of_v<std::exception, FrameworkException>);
 
-TEST(Client, ExceptionsOfTheLibraryAreCaughtByTheirTypes) {
-    const auto readMissing = [] { propertyManager()->readProperty(L"never set"); };
-    EXPECT_THROW(readMissing(), UnexistentProperty);
-    EXPECT_THROW(readMissing(), FrameworkException);
-}
-
 TEST(Client, ExceptionsOwnTheirText) {
     auto source = std::make_unique<InvalidArgument>("why");
     const InvalidArgument copy(*source);
@@ -58,26 +51,6 @@ TEST(Client, ExceptionsOwnTheirText) {
     EXPECT_EQ(InvalidArgument().getMessage(), "");
     static_assert(!std::is_copy_assignable_v<FrameworkException>);
     static_assert(!std::is_default_constructible_v<UnexistentProperty>);
-}
-
-// The heap is walked before and after, so that one lost block a thread shows in few threads.
-TEST(Client, ShortLivedThreadsLoseNoBlock) {
-    constexpr int kThreads = 100;
-    const auto runThreads = [] {
-        for (int i = 0; i < kThreads; i += 4) {
-            tests::inThreads(4, [](unsigned) {
-                registerObject("of threads", [] { return new IRegisteredObject; });
-                findObject("of threads");
-                unregisterObject("of threads");
-                randomNumber();
-                propertyManager()->hasProperty(L"of threads");
-            });
-        }
-    };
-    runThreads();
-    const std::size_t before = tests::heapBlocks();
-    runThreads();
-    EXPECT_LT(tests::heapBlocks(), before + kThreads / 4);
 }
 
 int living = 0;

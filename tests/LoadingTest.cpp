@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -23,26 +24,11 @@ namespace {
 
 constexpr const char* kLibrary = "Quend_Framework_" QUEND_VERSION ".dll";
 
-class LoadedModule {
- public:
-    explicit LoadedModule(const char* name = "ClientModule.dll") : module(LoadLibraryA(name)) {
-        EXPECT_NE(module, nullptr) << "error " << GetLastError();
-    }
-    ~LoadedModule() {
-        FreeLibrary(module);
-        EXPECT_EQ(GetModuleHandleA(kLibrary), nullptr) << "still loaded";
-    }
-    LoadedModule(const LoadedModule&) = delete;
-    LoadedModule& operator=(const LoadedModule&) = delete;
+using LoadedModule = std::unique_ptr<HINSTANCE__, decltype(&FreeLibrary)>;
 
-    template <typename Function>
-    Function* find(const char* name) const {
-        return tests::exportOf<Function>(module, name);
-    }
-
- private:
-    HMODULE module;
-};
+LoadedModule load(const char* name = "ClientModule.dll") {
+    return {LoadLibraryA(name), &FreeLibrary};
+}
 
 struct Figures {
     std::size_t handles = tests::handleCount();
@@ -56,10 +42,9 @@ TEST(Loading, ManyCyclesLeaveTheProcessAsItWas) {
     Tally tally;
     const auto runRounds = [&](int rounds) {
         for (; rounds > 0; --rounds) {
-            const LoadedModule logging("LoggingModule.dll");
-            const LoadedModule client;
+            const LoadedModule modules[] = {load(), load("LoggingModule.dll")};
             tests::inThreads(4, [&](unsigned thread) {
-                (thread % 2 == 0 ? client : logging).find<Work>("work")(&tally);
+                tests::exportOf<Work>(modules[thread % 2].get(), "work")(&tally);
             });
         }
         EXPECT_EQ(tally.objects, 0) << "made and not destroyed";
@@ -93,11 +78,12 @@ TEST(Loading, ManyCyclesLeaveTheProcessAsItWas) {
 TEST(Loading, UnloadingLeavesRegisteredObjectsAlone) {
     Tally tally;
     {
-        const LoadedModule module;
+        const LoadedModule module = load();
         EXPECT_NE(GetModuleHandleA(kLibrary), nullptr);
-        module.find<Work>("work")(&tally);
-        module.find<void()>("leaveObjectBehind")();
+        tests::exportOf<Work>(module.get(), "work")(&tally);
+        tests::exportOf<void()>(module.get(), "leaveObjectBehind")();
     }
+    EXPECT_EQ(GetModuleHandleA(kLibrary), nullptr);
     EXPECT_EQ(tally.objects, 1);
 }
 
@@ -107,24 +93,24 @@ unsigned millisecondsNow() {
     return now.millitm;
 }
 
+std::array<int, 3> drawFrom(unsigned seed) {
+    std::srand(seed);
+    return {std::rand(), std::rand(), std::rand()};
+}
+
 // The program and the library share the runtime's rand(), whose state belongs to the thread.
 TEST(Loading, EachLoadSeedsWithTheMillisecondsOfTheClock) {
     std::set<unsigned> seeds;
     while (seeds.size() < 5) {
-        const unsigned before = millisecondsNow();
-        const LoadedModule module;
-        const unsigned after = millisecondsNow();
-        auto* const draw = module.find<unsigned short()>("drawNumber");
-        const int drawn[] = {draw(), draw() - 1, draw() - 2};  // less the counter
-        unsigned seed = before;
-        const auto isSeed = [&] {
-            std::srand(seed);
-            return std::rand() == drawn[0] && std::rand() == drawn[1] && std::rand() == drawn[2];
-        };
-        while (!isSeed() && seed != after) {
+        unsigned seed = millisecondsNow();
+        const LoadedModule module = load();
+        const unsigned last = millisecondsNow();
+        auto* const draw = tests::exportOf<unsigned short()>(module.get(), "drawNumber");
+        const std::array<int, 3> drawn = {draw(), draw() - 1, draw() - 2};  // less the counter
+        while (drawFrom(seed) != drawn && seed != last) {
             seed = (seed + 1) % 1000;
         }
-        ASSERT_TRUE(isSeed()) << "drawn from none of " << before << " to " << after;
+        ASSERT_EQ(drawFrom(seed), drawn) << "from " << last << " and some milliseconds before";
         seeds.insert(seed);
     }
 }
