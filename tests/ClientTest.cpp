@@ -1,17 +1,10 @@
 // The DLL and the header-only helpers as a client uses them: through the import library, with the
 // shared runtime.
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
-#include <windows.h>
 #include <winver.h>
 
 #include <cstring>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <type_traits>
-#include <utility>
-#include <vector>
 
 #include <Quend/Framework/ObjectReference.h>
 #include <Quend/Framework/ReadPropertyOr.h>

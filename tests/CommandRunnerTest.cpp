@@ -1,19 +1,9 @@
-#include <windows.h>
+#include "support/Test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <future>
-#include <memory>
-#include <optional>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
 
 #include "command/CommandRunner.h"
 #include "command/Handle.h"

@@ -1,17 +1,11 @@
 // Loads and unloads the DLL, in a process that holds the shared runtime, as hosts do.
-#include <gtest/gtest.h>
-
-#include <windows.h>
+#include "support/Test.h"
 
 #include <sys/timeb.h>
 
-#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
-#include <set>
-#include <vector>
 
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"

@@ -1,15 +1,8 @@
 // The parts of logging that need Windows: plug-in libraries, unloading, and the environment.
-#include <gtest/gtest.h>
-
-#include <windows.h>
+#include "support/Test.h"
 
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <system_error>
-#include <thread>
 
 #include "LoggingModule.h"
 #include "logging/DebugString.h"

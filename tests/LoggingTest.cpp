@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <future>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <type_traits>
-#include <utility>
 
 #include <Quend/Framework/Exceptions.h>
 

@@ -1,13 +1,9 @@
 // The native build does not optimise this file: there, a constant that is declared but not defined
 // does not link if it is taken by reference.
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <bit>
 #include <iomanip>
-#include <memory>
-#include <optional>
-#include <random>
-#include <string>
 
 #include "logging/LogMessage.h"
 

@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <string>
-#include <system_error>
+#include "support/Test.h"
 
 #include "core/ObjectRegistry.h"
 #include "models/ObjectRegistry.h"

@@ -1,11 +1,7 @@
 // Every ordered pair of the calls that may overlap, in two threads, for ThreadSanitizer to watch.
 // The loops have nothing else in them: any other lock would order the two calls, and hide that one
 // of theirs is missing. So names are made beforehand, and arguments share nothing.
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
+#include "support/Test.h"
 
 #include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Framework.h>

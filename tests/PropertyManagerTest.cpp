@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <new>
-#include <string>
+#include "support/Test.h"
 
 #include <Quend/Framework/Exceptions.h>
 

@@ -1,10 +1,8 @@
 #include "core/RandomSource.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
-#include <array>
 #include <cstdlib>
-#include <thread>
 
 #include <Quend/Framework/Framework.h>
 

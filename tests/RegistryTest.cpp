@@ -1,22 +1,11 @@
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <shlwapi.h>
 
-#include <array>
 #include <bitset>
-#include <clocale>
 #include <cstdlib>
-#include <functional>
 #include <locale>
-#include <new>
-#include <optional>
-#include <random>
 #include <regex>
-#include <set>
-#include <string>
-#include <type_traits>
-#include <utility>
-#include <vector>
 
 #include "Quend/RegistryAccess/Registry.h"
 #include "Quend/RegistryAccess/RegistryErrors.h"

@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <initializer_list>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
 #include <random>
 #include <stdexcept>
 #include <string>
-#include <utility>
+#include <thread>
 #include <vector>
 
 // Throws std::logic_error with the place and the condition.

@@ -1,15 +1,6 @@
 // Logging against a model of its channels and their caches.
 #pragma once
 
-#include <functional>
-#include <map>
-#include <memory>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <utility>
-#include <vector>
-
 #include "logging/LogManager.h"
 #include "logging/ProviderRegistry.h"
 #include "models/Input.h"

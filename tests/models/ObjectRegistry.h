@@ -1,10 +1,6 @@
 // The object registry against a map of names to objects and counts.
 #pragma once
 
-#include <map>
-#include <stdexcept>
-#include <string>
-
 #include "core/ObjectRegistry.h"
 #include "models/Input.h"
 #include "support/LostOnPurpose.h"

@@ -1,10 +1,6 @@
 // The property store against a map.
 #pragma once
 
-#include <functional>
-#include <map>
-#include <string>
-
 #include <Quend/Framework/Exceptions.h>
 
 #include "models/Input.h"

@@ -1,6 +1,6 @@
 #include "support/Allocations.h"
 
-#include <windows.h>
+#include "support/Test.h"
 
 #include <atomic>
 #include <cstdlib>

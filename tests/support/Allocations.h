@@ -2,9 +2,7 @@
 // the replaced operator new see every allocation of the library.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <new>
+#include "support/Test.h"
 
 namespace tests {
 

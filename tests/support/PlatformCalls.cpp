@@ -1,9 +1,8 @@
 #include "support/PlatformCalls.h"
 
-#include <gtest/gtest.h>
+#include "support/Test.h"
 
 #include <cstring>
-#include <utility>
 
 namespace tests {
 namespace {

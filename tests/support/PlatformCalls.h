@@ -2,9 +2,7 @@
 // fail one or to play a part, in an unchanged binary; and its exports.
 #pragma once
 
-#include <windows.h>
-
-#include <utility>
+#include "support/Test.h"
 
 namespace tests {
 

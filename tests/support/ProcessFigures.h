@@ -1,10 +1,7 @@
 // What a leak would show in: figures of the running process.
 #pragma once
 
-#include <windows.h>
-
-#include <array>
-#include <cstddef>
+#include "support/Test.h"
 
 namespace tests {
 

@@ -43,12 +43,6 @@ int convert(std::size_t (*function)(To*, const From*, std::size_t), std::size_t*
 inline constexpr auto wcstombs_s = [](auto... all) { return native::convert(wcstombs, all...); };
 inline constexpr auto mbstowcs_s = [](auto... all) { return native::convert(mbstowcs, all...); };
 
-inline int wcrtomb_s(std::size_t* converted, char* buffer, std::size_t, wchar_t unit,
-                     std::mbstate_t* state) {
-    *converted = std::wcrtomb(buffer, unit, state);
-    return *converted == SIZE_MAX ? EILSEQ : 0;
-}
-
 // With a size of 0 it only stores the size needed: 0 for a variable that does not exist.
 inline int _wgetenv_s(std::size_t* needed, wchar_t* buffer, std::size_t size, const wchar_t* name) {
     const char* const value = std::getenv(std::filesystem::path(name).c_str());
