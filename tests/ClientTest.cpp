@@ -50,12 +50,12 @@ int living = 0;
 
 struct Counted : IRegisteredObject {
     Counted() { ++living; }
-    Counted(const Counted&) = delete;
-    Counted& operator=(const Counted&) = delete;
+    Counted(Counted&&) = delete;
     ~Counted() override { --living; }
 };
 struct Other : Counted {};
 
+using Factory = IRegisteredObject* (*)();
 IRegisteredObject* makeNull() { return nullptr; }
 IRegisteredObject* makeCounted() { return new Counted; }
 IRegisteredObject* makeOther() { return new Other; }
@@ -69,20 +69,18 @@ TEST(ObjectReference, HoldsItsReferenceUntilItsEnd) {
     {
         const Reference unnamed("");  // what one that was moved from would give back
         const Reference first("shared");
-        Counted* const object = first.get();
-        EXPECT_EQ(findObject("shared"), object);
         {
             Reference moved("shared", refuse);  // not called: the object is there
-            Reference last(std::move(moved));
             Reference assigned("other one");
+            Reference last(std::move(moved));
             assigned = std::move(last);  // gives "other one" back
             EXPECT_EQ(findObject("other one"), nullptr);
-            EXPECT_EQ(&*assigned, object);
-            EXPECT_EQ(assigned.operator->(), object);
+            EXPECT_EQ(&*assigned, first.get());
+            EXPECT_EQ(assigned.operator->(), first.get());
         }
-        EXPECT_EQ(findObject("shared"), object) << "a reference too many was given back";
+        EXPECT_EQ(findObject("shared"), first.get()) << "a reference too many was given back";
         EXPECT_EQ(findObject(""), unnamed.get());
-        EXPECT_EQ(ObjectReference<IRegisteredObject>("shared").get(), object);
+        EXPECT_EQ(ObjectReference<IRegisteredObject>("shared").get(), first.get());
     }
     EXPECT_EQ(findObject("shared"), nullptr) << "a reference was kept";
     EXPECT_EQ(living, 0);
@@ -91,13 +89,12 @@ TEST(ObjectReference, HoldsItsReferenceUntilItsEnd) {
 // Whatever the name holds before and the factory returns, the name has as many references
 // afterwards.
 TEST(ObjectReference, NeverHoldsNullNorAnotherType) {
-    struct Row {
-        IRegisteredObject* (*before)();  // null: the name is free
-        IRegisteredObject* (*factory)();
-    };
-    for (const auto& [before, factory] :
-         {Row{nullptr, makeNull}, Row{makeNull, makeOther}, Row{makeNull, makeNull},
-          Row{makeCounted, makeOther}, Row{nullptr, makeCounted}}) {
+    const std::pair<Factory, Factory> rows[] = {{nullptr, makeNull},
+                                                {makeNull, makeOther},
+                                                {makeNull, makeNull},
+                                                {makeCounted, makeOther},
+                                                {nullptr, makeCounted}};
+    for (const auto& [before, factory] : rows) {  // before null: the name is free
         before != nullptr ? registerObject("name", before) : nullptr;
         const int livingBefore = living;
         try {

@@ -1,6 +1,6 @@
 // Every ordered pair of the calls that may overlap, in two threads, for ThreadSanitizer to watch.
 // The loops have nothing else in them: any other lock would order the two calls, and hide that one
-// of theirs is missing. So names are made beforehand, and arguments share nothing.
+// of theirs is missing. So nothing is made there, and arguments share nothing.
 #include "support/Test.h"
 
 #include <Quend/Framework/Exceptions.h>
@@ -17,13 +17,8 @@ namespace {
 using namespace Quend::Framework;
 using namespace Quend::Framework::Management;
 
-const std::vector<std::string> names = [] {
-    std::vector<std::string> made(50, "name ");
-    for (std::size_t i = 0; i < made.size(); ++i) {
-        made[i] += std::to_string(i);
-    }
-    return made;
-}();
+// Each round has another name: what is left of this text.
+constexpr const char* kNames = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
 MemoryManager::IRegisteredObject* makeObject() { return new MemoryManager::IRegisteredObject; }
 
@@ -36,31 +31,31 @@ struct Services {
     Logging::ChannelHandle channel = nullptr;
 
     Services() {
-        for (std::size_t i = 0; i < names.size(); i += 2) {
-            registry.registerObject(names[i].c_str(), makeObject);
+        for (const char* name = kNames; *name != '\0'; name += 2) {
+            registry.registerObject(name, makeObject);
         }
         store.setProperty(set, L"value");
         addProvider();
         channel = manager.getChannel("channel");
     }
     ~Services() {
-        for (const std::string& name : names) {
-            while (registry.findObject(name.c_str()) != nullptr) {
-                registry.unregisterObject(name.c_str());
+        for (const char* name = kNames; *name != '\0'; ++name) {
+            while (registry.findObject(name) != nullptr) {
+                registry.unregisterObject(name);
             }
         }
     }
     void addProvider() { manager.registerSinkProvider(std::make_unique<tests::TestProvider>("p")); }
 };
 
-// Gives each pair fresh services and each round another name.
+// Gives each pair fresh services.
 void runPairs(const std::vector<void (*)(Services&, const char* name)>& calls) {
     for (const auto first : calls) {
         for (const auto second : calls) {
             Services services;
             tests::inThreads(2, [&](unsigned thread) {
-                for (const std::string& name : names) {
-                    (thread == 0 ? first : second)(services, name.c_str());
+                for (const char* name = kNames; *name != '\0'; ++name) {
+                    (thread == 0 ? first : second)(services, name);
                 }
             });
         }

@@ -44,16 +44,4 @@ inline DWORD nextTlsIndex() {
     return index;
 }
 
-// The bytes of committed private memory.
-inline std::size_t committedBytes() {
-    std::size_t committed = 0;
-    MEMORY_BASIC_INFORMATION region{};
-    for (char* address = nullptr; VirtualQuery(address, &region, sizeof(region)) != 0;
-         address = static_cast<char*>(region.BaseAddress) + region.RegionSize) {
-        committed +=
-            region.State == MEM_COMMIT && region.Type == MEM_PRIVATE ? region.RegionSize : 0;
-    }
-    return committed;
-}
-
 }  // namespace tests
