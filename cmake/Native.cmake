@@ -5,6 +5,6 @@ add_library(QuendFrameworkPortable STATIC ${portable_sources})
 target_compile_features(QuendFrameworkPortable PUBLIC cxx_std_20)
 target_compile_definitions(QuendFrameworkPortable PUBLIC QUEND_FRAMEWORK_STATIC)
 target_compile_options(QuendFrameworkPortable PUBLIC -include windows.h -Wall -Wextra)
-# The names of Windows that the sources use come from tests/native/include.
-target_include_directories(QuendFrameworkPortable PUBLIC ${PROJECT_SOURCE_DIR}/tests/native/include
+# native/windows.h has the names of Windows that the sources use.
+target_include_directories(QuendFrameworkPortable PUBLIC ${CMAKE_CURRENT_LIST_DIR}/native
   ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)

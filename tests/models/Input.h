@@ -14,6 +14,8 @@
 #include <thread>
 #include <vector>
 
+#include <Quend/Framework/Exceptions.h>
+
 // Throws std::logic_error with the place and the condition.
 #define MODEL_CHECK(condition) \
     ((condition) ? void() : tests::failCheck(__FILE__, __LINE__, #condition))
@@ -22,6 +24,16 @@ namespace tests {
 
 [[noreturn]] inline void failCheck(const std::string& file, int line, const char* condition) {
     throw std::logic_error(file + ":" + std::to_string(line) + ": not so: " + condition);
+}
+
+// The text of the library's exception that `call` throws, or "none".
+inline std::string complaintOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const Quend::Framework::Exceptions::FrameworkException& error) {
+        return error.getMessage();
+    }
+    return "none";
 }
 
 class Input {

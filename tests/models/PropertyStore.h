@@ -1,22 +1,10 @@
 // The property store against a map.
 #pragma once
 
-#include <Quend/Framework/Exceptions.h>
-
 #include "models/Input.h"
 #include "properties/PropertyManagerImpl.h"
 
 namespace tests {
-
-// The text of the UnexistentProperty that `call` throws, or "none".
-inline std::string complaintOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const Quend::Framework::Exceptions::UnexistentProperty& error) {
-        return error.getMessage();
-    }
-    return "none";
-}
 
 inline void checkPropertyStore(Input input) {
     using namespace std::string_literals;
