@@ -5,6 +5,9 @@ add_library(QuendFrameworkPortable STATIC ${portable_sources})
 target_compile_features(QuendFrameworkPortable PUBLIC cxx_std_20)
 target_compile_definitions(QuendFrameworkPortable PUBLIC QUEND_FRAMEWORK_STATIC)
 target_compile_options(QuendFrameworkPortable PUBLIC -include windows.h -Wall -Wextra)
+if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=[a-z,-]*address")  # with which the leak check comes
+  target_compile_definitions(QuendFrameworkPortable PUBLIC QUEND_FIND_LEAKS)
+endif()
 # native/windows.h has the names of Windows that the sources use.
 target_include_directories(QuendFrameworkPortable PUBLIC ${CMAKE_CURRENT_LIST_DIR}/native
   ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)

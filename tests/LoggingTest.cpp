@@ -34,7 +34,8 @@ TEST_F(Logging, SinkMayLogIntoTheCacheThatIsReplayed) {
     auto* const handle = manager.getChannel("c");
     manager.log(handle, 7, "first");
     int more = 40;  // so many that the records move
-    addProvider("p", [&](const std::string&) { more-- > 0 ? manager.log(handle, 0, "+") : void(); });
+    addProvider("p",
+                [&](const std::string&) { more-- > 0 ? manager.log(handle, 0, "+") : void(); });
     attachSinks(*handle->channel);
     std::string expected = "pc:7first ";
     for (int i = 0; i < 40; ++i) {

@@ -27,15 +27,4 @@ TEST(RandomSource, SumWrapsAt65536AndTheCounterAt32Bits) {
     }
 }
 
-#ifdef _WIN32
-TEST(RandomSource, OtherThreadsDrawFromTheDefaultSeed) {
-    randomCallCounter = 100;
-    std::thread([] {
-        for (const int each : {41 + 100, 18467 + 101, 6334 + 102}) {
-            EXPECT_EQ(randomNumber(), each);
-        }
-    }).join();
-}
-#endif
-
 }  // namespace

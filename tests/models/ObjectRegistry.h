@@ -51,7 +51,8 @@ inline void checkObjectRegistry(Input input) {
             bool isThrown = isCalled = false;
             try {
                 // A name that is held with null takes no second entry, so that one is lost.
-                const LostOnPurpose entry(isHeldWithNull);
+                std::optional<LostOnPurpose> entry;
+                isHeldWithNull ? void(entry.emplace()) : void();
                 result = registry.registerObject(name.c_str(), factory);
             } catch (const std::runtime_error&) {
                 isThrown = true;
