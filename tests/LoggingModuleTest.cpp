@@ -26,11 +26,7 @@ std::shared_ptr<HINSTANCE__> preparePlugin(Report whereTo = report, bool isRefus
 }
 
 TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
-    struct Row {
-        const wchar_t* path;
-        int code;
-        const char* error;
-    };
+    using Row = std::tuple<const wchar_t*, int, const char*>;
     for (const auto& [path, code, error] :
          {Row{kPlugin, 0, "The entry point of the plug-in library returned no provider"},
           Row{L"ClientModule.dll", 0,
@@ -125,12 +121,7 @@ const auto countingGetenv = [](auto real, auto* size, auto* buffer, std::size_t 
 
 TEST(LoggingEnvironment, DebugStringIsRead) {
     const Hook hook("_wgetenv_s", overload, countingGetenv);
-    struct Row {
-        const wchar_t* value;
-        int failing;
-        bool isRequested;
-        int reads;
-    };
+    using Row = std::tuple<const wchar_t*, int, bool, int>;
     for (const auto& [value, failing, isRequested, reads] :
          {Row{L"1", 0, true, 2}, Row{L"longer than in place", 0, true, 2}, Row{L"1", 1, false, 1},
           Row{L"1", 2, false, 2}, Row{L"", 0, false, 1}}) {

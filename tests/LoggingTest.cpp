@@ -1,6 +1,7 @@
 #include "support/Test.h"
 
 #include <future>
+#include <regex>
 
 #include "locking/RecursiveMutex.h"
 #include "logging/LogManager.h"
@@ -37,11 +38,7 @@ TEST_F(Logging, SinkMayLogIntoTheCacheThatIsReplayed) {
     addProvider("p",
                 [&](const std::string&) { more-- > 0 ? manager.log(handle, 0, "+") : void(); });
     attachSinks(*handle->channel);
-    std::string expected = "pc:7first ";
-    for (int i = 0; i < 40; ++i) {
-        expected += "pc:0+ ";
-    }
-    EXPECT_EQ(takeEvents(), expected);
+    EXPECT_TRUE(std::regex_match(takeEvents(), std::regex("pc:7first (pc:0[+] ){40}")));
     EXPECT_TRUE(handle->channel->cache.empty());
 }
 
@@ -117,31 +114,28 @@ TEST_F(Logging, ExceptionsPassThroughAndLeaveNothingBehind) {
 const char* const kLongText = "and more of it than a short string holds in place";
 
 TEST_F(Logging, FailedAllocationLeavesTheStatedState) {
-    struct Row {
-        std::size_t cached;  // before the call; the 102nd is the marker
-        void (*call)(LogManager&, ChannelHandle);
-        std::size_t newProviders, newRecords;
-    };
     const auto log = [](LogManager& m, ChannelHandle channel) { m.log(channel, 1, kLongText); };
     const auto get = [](LogManager& m, ChannelHandle) { m.getChannel(kLongText); };
     const auto add = [](LogManager& m, ChannelHandle) {
         m.registerSinkProvider(std::make_unique<TestProvider>("q"));
     };
-    for (const Row& row :
-         {Row{4, get, 0, 0}, Row{4, log, 0, 1}, Row{101, log, 0, 1}, Row{4, add, 1, 0}}) {
+    using Row = std::tuple<void (*)(LogManager&, ChannelHandle), std::size_t, std::size_t, int>;
+    // The 102nd record is the marker.
+    for (const auto& [call, recordsBefore, recordsAfter, providersAfter] :
+         {Row{get, 4, 4, 2}, Row{log, 4, 5, 2}, Row{log, 101, 102, 2}, Row{add, 4, 4, 3}}) {
         failEachAllocation([&](long, auto fail) {
             ProviderRegistry().swap(providerRegistry);
             LogManager each;
             auto* const handle = each.getChannel("none");
-            for (std::size_t i = 0; i < row.cached; ++i) {
+            for (std::size_t i = 0; i < recordsBefore; ++i) {
                 log(each, handle);
             }
             for (const char* tag : {"p", "a tag that no short string holds in place"}) {
                 each.registerSinkProvider(std::make_unique<TestProvider>(tag));
             }
-            const std::size_t done = fail([&] { row.call(each, handle); }) ? 0 : 1;
-            EXPECT_EQ(providerRegistry.size(), 2 + done * row.newProviders);
-            const std::size_t cached = row.cached + done * row.newRecords;
+            const bool failed = fail([&] { call(each, handle); });
+            EXPECT_EQ(providerRegistry.size(), failed ? 2 : providersAfter);
+            const std::size_t cached = failed ? recordsBefore : recordsAfter;
             EXPECT_EQ(handle->channel->cache.size(), cached);
             EXPECT_EQ(handle->channel->overflowed, cached / 102);
             expectLockFree(each);

@@ -16,11 +16,7 @@ TEST(PropertyManager, MatchesModelOverRandomOperations) {
 
 // Of a set, the old value is gone before the copies are made, whichever of them fails.
 TEST(PropertyManager, FailedAllocationLeavesTheStatedProperties) {
-    struct Row {
-        bool isHeldBefore;
-        void (*call)(PropertyManagerImpl&);
-        bool isComplaint;
-    };
+    using Row = std::tuple<bool, void (*)(PropertyManagerImpl&), bool>;
     for (const auto& [isHeldBefore, call, isComplaint] :
          {Row{false, [](auto& store) { store.setProperty(kName, kValue); }, false},
           Row{true, [](auto& store) { store.setProperty(kName, kValue); }, false},
