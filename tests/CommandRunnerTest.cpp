@@ -75,24 +75,25 @@ TEST(Handle, HasOneOwner) {
 // Microsoft's pages disagree about the rights of the handles that CreatePipe gives. If this fails,
 // every command gives (false, "").
 TEST(CommandRunnerPlatform, TheReadEndOfAPipeCanBeMadeNonBlocking) {
-    HANDLE readEnd = nullptr;
-    HANDLE writeEnd = nullptr;
-    ASSERT_TRUE(CreatePipe(&readEnd, &writeEnd, nullptr, 0));
-    const Handle reader(readEnd);
-    const Handle writer(writeEnd);
+    HANDLE ends[2];
+    ASSERT_TRUE(CreatePipe(&ends[0], &ends[1], nullptr, 0));
+    const Handle owners[] = {Handle(ends[0]), Handle(ends[1])};
     DWORD mode = PIPE_NOWAIT;
-    EXPECT_TRUE(SetNamedPipeHandleState(readEnd, &mode, nullptr, nullptr))
+    EXPECT_TRUE(SetNamedPipeHandleState(ends[0], &mode, nullptr, nullptr))
         << "Windows refuses PIPE_NOWAIT for the read end of CreatePipe with error "
         << GetLastError() << ", so no command can be run";
 }
 
-// All at once: each gets its own output.
-TEST_F(CommandRunner, ReturnsWhatTheInterpreterWrites) {
+// All at once: each gets its own output. One leaves a child behind that outlives the interpreter,
+// which holds the output while it waits for its command; the output ends with its last holder.
+TEST_F(CommandRunner, ReturnsWhatTheInterpreterAndItsChildrenWrite) {
+    const Leash leash;
     const std::pair<std::string, Result> cases[] = {
         {"CommandChild bytes 200000", wroteBytes(200'000)},
         {"CommandChild bytes 90000", wroteBytes(90'000)},
         {"echo a&echo b", wrote("a\nb\n")},
         {R"(""CommandChild" say "a b"")", wrote("a b")},
+        {"CommandChild leave say a" + leash.step + " say b", wrote("ab")},
         {"echo error 1>&2&CommandChild say x", wrote("x")},
         {"", wrote("")},
         {"there-is-no-such-command", wrote("")},
@@ -104,21 +105,12 @@ TEST_F(CommandRunner, ReturnsWhatTheInterpreterWrites) {
     for (const auto& [command, result] : cases) {
         results.push_back(std::async(std::launch::async, runCommand, command));
     }
+    await(leash.here);
+    SetEvent(leash.go.get());
     for (std::size_t i = 0; i < results.size(); ++i) {
         // Not EXPECT_EQ, which would print all of a long output.
         EXPECT_TRUE(results[i].get() == cases[i].second) << cases[i].first.substr(0, 100);
     }
-}
-
-// The interpreter holds its output while it waits for its command, so a child is left behind that
-// outlives both.
-TEST_F(CommandRunner, OutputEndsWithItsLastHolder) {
-    const Leash leash;
-    auto result = std::async(std::launch::async, runCommand,
-                             "CommandChild leave say a" + leash.step + " say b");
-    await(leash.here);
-    SetEvent(leash.go.get());
-    EXPECT_EQ(result.get(), wrote("ab"));
 }
 
 // What Windows may refuse although Wine accepts it, and what no output shows. Only the broken pipe,
