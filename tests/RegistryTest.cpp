@@ -294,45 +294,29 @@ TEST_F(RegistryTest, FailedAllocationLeavesNoKeyOpen) {
 }
 
 // A key that is closed too early, or twice, refuses to set a value; one that is left open counts.
-TEST_F(RegistryTest, EveryKeyIsClosedOnceOverRandomOperations) {
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    const std::size_t handlesBefore = tests::handleCount();
-    {
-        { const std::vector<Registry> moreThan16BitsCount(70'000, key); }
-        std::array<Registry, 6> pool;
-        std::array<std::optional<std::string>, 6> model;  // the name, if it is bound
-        for (unsigned step = 1; step <= 3'000 && !HasFailure(); ++step) {
-            const std::size_t i = random() % pool.size();
-            const std::size_t j = random() % pool.size();
-            switch (random() % 4) {
-                case 0:
-                    pool[i] = waysToOpen[step % 4]();
-                    model[i] = pool[i].getName();
-                    break;
-                case 1:
-                    pool[i] = pool[j];
-                    model[i] = model[j];
-                    break;
-                case 2:
-                    pool[i] = std::move(pool[j]);
-                    model[i] = std::exchange(model[j], std::nullopt);
-                    break;
-                default:  // an empty path opens nothing
-                    if (model[j]) {
-                        pool[i] = pool[j].openSubKey("");
-                        model[i] = "";
-                    }
-            }
-            for (std::size_t slot = 0; slot < pool.size(); ++slot) {
-                EXPECT_EQ(pool[slot].getName(), model[slot].value_or(""));
-                EXPECT_EQ(outcome([&] { pool[slot].setIntValue("open", 1); }),
-                          model[slot] ? "" : kUnbound);
-            }
-        }
+TEST_F(RegistryTest, EachKeyIsClosedWithItsLastObject) {
+    const std::size_t before = tests::handleCount();
+    { const std::vector<Registry> moreThan16BitsCount(70'000, key); }
+    for (const auto& open : waysToOpen) {
+        Registry first = open();
+        const std::string name = first.getName();
+        const Registry same = first.openSubKey("");  // an empty path opens nothing
+        Registry second = first;
+        Registry& self = second;
+        second = self;
+        second = std::move(self);
+        first = std::move(second);
+        EXPECT_EQ(second.getName(), "");
+        EXPECT_EQ(outcome([&] { second.setIntValue("open", 1); }), kUnbound);
+        second = first;
+        first = Registry();
+        EXPECT_EQ(second.getName(), name);
+        EXPECT_EQ(outcome([&] { second.setIntValue("open", 1); }), "");
+        second = Registry();
+        EXPECT_EQ(same.getName(), "");
+        EXPECT_EQ(outcome([&] { same.setIntValue("open", 1); }), "");
     }
-    EXPECT_EQ(tests::handleCount(), handlesBefore);
+    EXPECT_EQ(tests::handleCount(), before);
 }
 
 }  // namespace
