@@ -200,12 +200,12 @@ TEST_F(CommandRunner, FailingPlatformCallsLeaveNothingBehind) {
     EXPECT_EQ(executeCommand("echo x", flag(true)), wrote("")) << "started, but not read";
     EXPECT_EQ(std::exchange(calls, 0), 8);
     const std::size_t handlesBefore = tests::handleCount();
-    const long blocksBefore = tests::liveBlocks();
+    const long blocksBefore = tests::liveBlocks;
     for (failing = 1; failing <= 9; ++failing) {
         EXPECT_EQ(executeCommand("echo x", flag()), failing <= 8 ? failed() : wrote("x\n"));
         EXPECT_EQ(std::exchange(calls, 0), std::min(failing, 8)) << "went on after a failure";
         EXPECT_EQ(tests::handleCount(), handlesBefore) << failing;
-        EXPECT_EQ(tests::liveBlocks(), blocksBefore) << failing;
+        EXPECT_EQ(tests::liveBlocks, blocksBefore) << failing;
     }
 }
 

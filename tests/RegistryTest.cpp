@@ -143,9 +143,9 @@ TEST_F(RegistryTest, RefusalsBecomeExceptionsAndLeaveNothingBehind) {
         };
         for (const auto& [code, expected] : cases) {
             injectedCode = code;
-            const long before = tests::liveBlocks();
+            const long before = tests::liveBlocks;
             EXPECT_EQ(outcome([&] { each.call(key, "a"); }), expected) << code;
-            EXPECT_EQ(tests::liveBlocks(), before) << code;
+            EXPECT_EQ(tests::liveBlocks, before) << code;
         }
         injectedCode = 0;
         if (each.hasName) {

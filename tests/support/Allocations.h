@@ -2,20 +2,45 @@
 // the replaced operator new see every allocation of the library.
 #pragma once
 
+#include <atomic>
+
 #include "support/Test.h"
 
 namespace tests {
 
 // The blocks that all threads together have allocated and not yet freed.
-long liveBlocks();
+inline std::atomic<long> liveBlocks{0};
 
 // While it lives, the n-th allocation of this thread fails, and with `andAllLater` every later one.
 class AllocationFault {
  public:
-    AllocationFault(long nth, bool andAllLater);
-    ~AllocationFault();
+    AllocationFault(long nth, bool andAllLater) : remaining(nth), allLaterFail(andAllLater) {
+        hasHappened = false;
+        current = this;
+    }
+    ~AllocationFault() { current = nullptr; }
     AllocationFault(AllocationFault&&) = delete;
-    static bool happened();
+
+    static bool happened() { return hasHappened; }
+
+    // For operator new.
+    static bool isDue() {
+        AllocationFault* const fault = current.load(std::memory_order_relaxed);
+        if (fault == nullptr || fault->thread != GetCurrentThreadId()) {
+            return false;
+        }
+        const bool isNow = --fault->remaining == 0 || (fault->remaining < 0 && fault->allLaterFail);
+        hasHappened |= isNow;
+        return isNow;
+    }
+
+ private:
+    static inline std::atomic<AllocationFault*> current{nullptr};
+    static inline bool hasHappened = false;
+    // Not a thread_local variable, which this toolchain allocates on first use.
+    DWORD thread = GetCurrentThreadId();
+    long remaining;
+    bool allLaterFail;
 };
 
 // Fails if `call` allocates anything.
@@ -38,7 +63,7 @@ void failEachAllocation(Round round) {
         for (long n = 1; happened; ++n) {
             SCOPED_TRACE(testing::Message() << "allocation " << n << " fails"
                                             << (andAllLater ? ", and all later ones" : ""));
-            const long before = liveBlocks();
+            const long before = liveBlocks;
             leftOnPurpose = 0;
             round(n, [&](auto run) {
                 const AllocationFault fault(n, andAllLater);
@@ -51,7 +76,7 @@ void failEachAllocation(Round round) {
                 happened = AllocationFault::happened();
                 return isThrown;
             });
-            EXPECT_EQ(liveBlocks() - before, leftOnPurpose);
+            EXPECT_EQ(liveBlocks - before, leftOnPurpose);
             ASSERT_LT(n, 1000) << "no end of allocations";
             EXPECT_TRUE(happened || n > 1) << "nothing was allocated, so nothing was tested";
         }
