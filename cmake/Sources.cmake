@@ -20,3 +20,19 @@ set(portable_sources
   properties/TextConversion.cpp)
 list(TRANSFORM windows_sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
 list(TRANSFORM portable_sources PREPEND ${PROJECT_SOURCE_DIR}/src/)
+
+# The same of the tests that look inside.
+set(windows_tests
+  CommandRunnerTest.cpp
+  LoggingModuleTest.cpp
+  RegistryTest.cpp)
+set(portable_tests
+  LoggingTest.cpp
+  MessageTextTest.cpp
+  ObjectRegistryTest.cpp
+  PairsOfCallsTest.cpp
+  PropertyManagerTest.cpp
+  RandomSourceTest.cpp
+  TextConversionTest.cpp)
+list(TRANSFORM windows_tests PREPEND ${PROJECT_SOURCE_DIR}/tests/)
+list(TRANSFORM portable_tests PREPEND ${PROJECT_SOURCE_DIR}/tests/)

@@ -10,7 +10,6 @@
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
 #include "support/Tally.h"
-#include "support/Threads.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 

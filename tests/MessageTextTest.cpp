@@ -53,15 +53,11 @@ constexpr Row kRows[] = {
     ROW(resetFormat), ROW(std::setw(v.field)), ROW((v.field < 9 ? std::hex : std::showpos))};
 // clang-format on
 
-struct Grouping : std::numpunct<char> {
-    std::string do_grouping() const override { return "\3"; }
-};
-
 TEST(LogMessage, HoldsWhatAStreamHolds) {
     const unsigned seed = std::random_device()();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937_64 random(seed);
-    const std::locale grouping(std::locale::classic(), new Grouping);
+    const std::locale grouping(std::locale::classic(), new tests::Grouping);
     for (std::size_t round = 0; round < 20'000 && !HasFailure(); ++round) {
         ChannelSlot slot{std::make_unique<LogChannel>("without a sink, so it keeps its messages")};
         const std::locale before =

@@ -10,7 +10,6 @@
 #include "models/Logging.h"
 #include "properties/PropertyManagerImpl.h"
 #include "properties/TextConversion.h"
-#include "support/Threads.h"
 
 namespace {
 

@@ -4,7 +4,6 @@
 
 #include <bitset>
 #include <cstdlib>
-#include <locale>
 #include <regex>
 
 #include "Quend/RegistryAccess/Registry.h"
@@ -252,11 +251,8 @@ TEST_F(RegistryTest, SubKeysAreListedByTheirNames) {
 }
 
 TEST(RegistryErrors, WhatIsComposedOnceAndNeverThrows) {
-    struct Grouping : std::numpunct<char> {
-        std::string do_grouping() const override { return "\3"; }
-    };
     const std::locale before =
-        std::locale::global(std::locale(std::locale::classic(), new Grouping));
+        std::locale::global(std::locale(std::locale::classic(), new tests::Grouping));
     const std::string expected =
         "Exception 'class Quend::RegistryAccess::Registry::NotFound' "
         "(Quend/RegistryAccess/Registry:1234567): m";

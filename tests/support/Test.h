@@ -1,4 +1,4 @@
-// GoogleTest, and what most tests use of Windows and of the standard library.
+// GoogleTest, and what several tests use of Windows, of the standard library and of each other.
 #pragma once
 
 #include <windows.h>
@@ -9,6 +9,7 @@
 #include <array>
 #include <clocale>
 #include <functional>
+#include <locale>
 #include <memory>
 #include <optional>
 #include <random>
@@ -19,3 +20,21 @@
 #include <thread>
 #include <utility>
 #include <vector>
+
+namespace tests {
+
+// Groups the digits of numbers, as "1,234".
+struct Grouping : std::numpunct<char> {
+    std::string do_grouping() const override { return "\3"; }
+};
+
+// Calls `work(0)` to `work(count - 1)`, each in a thread of its own, and waits for all of them.
+template <typename Work>
+void inThreads(unsigned count, Work work) {
+    std::vector<std::jthread> threads;
+    for (unsigned i = 0; i < count; ++i) {
+        threads.emplace_back([&work, i] { work(i); });
+    }
+}
+
+}  // namespace tests
