@@ -16,7 +16,6 @@ namespace {
 using namespace Quend::Framework::Management::MemoryManager;
 using namespace Quend::Framework::Exceptions;
 using Quend::Framework::Framework::propertyManager;
-using Quend::Framework::Framework::randomNumber;
 using Quend::Framework::Framework::readPropertyOr;
 
 TEST(Client, MemoryComesFromTheRuntimesHeap) {
@@ -89,12 +88,10 @@ TEST(ObjectReference, HoldsItsReferenceUntilItsEnd) {
 // Whatever the name holds before and the factory returns, the name has as many references
 // afterwards.
 TEST(ObjectReference, NeverHoldsNullNorAnotherType) {
-    const std::pair<Factory, Factory> rows[] = {{nullptr, makeNull},
-                                                {makeNull, makeOther},
-                                                {makeNull, makeNull},
-                                                {makeCounted, makeOther},
-                                                {nullptr, makeCounted}};
-    for (const auto& [before, factory] : rows) {  // before null: the name is free
+    using Row = std::pair<Factory, Factory>;  // the first is null if the name is free
+    for (const auto& [before, factory] :
+         {Row{nullptr, makeNull}, Row{makeNull, makeOther}, Row{makeNull, makeNull},
+          Row{makeCounted, makeOther}, Row{nullptr, makeCounted}}) {
         before != nullptr ? registerObject("name", before) : nullptr;
         const int livingBefore = living;
         try {

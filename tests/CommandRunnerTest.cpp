@@ -3,7 +3,6 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
-#include <future>
 
 #include "command/CommandRunner.h"
 #include "command/Handle.h"

@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"

@@ -2,7 +2,6 @@
 #include "support/Test.h"
 
 #include <cstdio>
-#include <cstdlib>
 
 #include "LoggingModule.h"
 #include "logging/DebugString.h"

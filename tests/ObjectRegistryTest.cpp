@@ -32,7 +32,7 @@ TEST(ObjectRegistry, FailedAllocationLeavesNothingRecorded) {
             isHeldWithNull ? registry.registerObject(kLongName, makeNull) : nullptr;
             IRegisteredObject* object = nullptr;
             const bool failed = fail([&] {
-                const tests::LostOnPurpose entryAndObject;
+                [[maybe_unused]] const tests::LostOnPurpose entryAndObject;
                 object = registry.registerObject(kLongName, makeTracked);
             });
             EXPECT_EQ(registry.findObject(kLongName), isHeldWithNull ? nullptr : object);

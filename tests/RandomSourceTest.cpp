@@ -2,8 +2,6 @@
 
 #include "support/Test.h"
 
-#include <cstdlib>
-
 #include <Quend/Framework/Framework.h>
 
 namespace {

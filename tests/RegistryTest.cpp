@@ -3,7 +3,6 @@
 #include <shlwapi.h>
 
 #include <bitset>
-#include <cstdlib>
 #include <regex>
 
 #include "Quend/RegistryAccess/Registry.h"
@@ -23,7 +22,7 @@ static_assert(sizeof(Registry) == sizeof(std::string) + sizeof(void*));
 
 std::vector<char> chars(const std::string& text) { return {text.begin(), text.end()}; }
 
-std::bitset<1000> linesOfErrors;
+std::bitset<1000> linesOfErrors;  // allocates nothing
 
 // "Class: message" of what `call` throws, or "" if nothing. what() has the usual form.
 std::string outcome(const std::function<void()>& call) {
@@ -298,10 +297,10 @@ TEST_F(RegistryTest, EachKeyIsClosedWithItsLastObject) {
         const std::string name = first.getName();
         const Registry same = first.openSubKey("");  // an empty path opens nothing
         Registry second = first;
-        Registry& self = second;
-        second = self;
-        second = std::move(self);
-        first = std::move(second);
+        Registry* const self = &second;
+        second = *self;
+        second = std::move(*self);
+        first = std::move(*self);
         EXPECT_EQ(second.getName(), "");
         EXPECT_EQ(outcome([&] { second.setIntValue("open", 1); }), kUnbound);
         second = first;

@@ -82,7 +82,7 @@ inline void checkLogging(Input input) {
         std::string expected;
         const auto write = [&](const std::string& message) {
             for (const std::string& sink : channel.sinks) {
-                expected += sink + ":" + message + " ";
+                expected.append(sink).append(":").append(message).append(" ");
             }
         };
         const auto attach = [&] {
@@ -104,7 +104,7 @@ inline void checkLogging(Input input) {
         if (operation == 'p' && providers.size() < 5) {
             providers.emplace_back(input.oneOf({"a", "A", "\xff"}));
             manager.registerSinkProvider(std::make_unique<TestProvider>(providers.back()));
-            atShutdown += "~" + providers.back() + " ";
+            atShutdown.append("~").append(providers.back()).append(" ");
         } else if (operation == 'a') {
             for (LogSink* const sink : real.sinks) {
                 sink->release();  // as attaching forgets them
@@ -142,7 +142,7 @@ inline void checkLogging(Input input) {
     }
     for (const auto& [name, channel] : model) {
         for (const std::string& sink : channel.sinks) {
-            atShutdown += "-" + sink + " ";
+            atShutdown.append("-").append(sink).append(" ");
         }
     }
     manager.shutdownLogging();

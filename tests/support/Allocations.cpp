@@ -1,7 +1,5 @@
 #include "support/Allocations.h"
 
-#include <cstdlib>
-
 // Counted without any order between threads: two threads that allocate would otherwise never be
 // seen to race, whatever else they do.
 void* operator new(std::size_t size) {

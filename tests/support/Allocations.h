@@ -29,7 +29,8 @@ class AllocationFault {
         if (fault == nullptr || fault->thread != GetCurrentThreadId()) {
             return false;
         }
-        const bool isNow = --fault->remaining == 0 || (fault->remaining < 0 && fault->allLaterFail);
+        const long after = --fault->remaining;
+        const bool isNow = after == 0 || (after < 0 && fault->allLaterFail);
         hasHappened |= isNow;
         return isNow;
     }

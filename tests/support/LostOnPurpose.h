@@ -11,9 +11,7 @@ namespace tests {
 #ifdef QUEND_FIND_LEAKS
 using LostOnPurpose = __lsan::ScopedDisabler;
 #else
-struct LostOnPurpose {
-    LostOnPurpose() {}  // without it, a variable would be an unused one
-};
+struct LostOnPurpose {};
 #endif
 
 }  // namespace tests

@@ -23,16 +23,16 @@ inline std::size_t handleCount() {
 
 // The allocated blocks on all heaps: one that is lost counts one.
 inline std::size_t heapBlocks() {
-    std::array<HANDLE, 100> heaps{};
-    GetProcessHeaps(heaps.size(), heaps.data());
+    std::vector<HANDLE> heaps(100);
+    heaps.resize(GetProcessHeaps(100, heaps.data()));
     std::size_t blocks = 0;
-    for (auto heap = heaps.begin(); *heap != nullptr; ++heap) {
-        HeapLock(*heap);
+    for (HANDLE heap : heaps) {
+        HeapLock(heap);
         PROCESS_HEAP_ENTRY entry{};
-        while (HeapWalk(*heap, &entry) != 0) {
+        while (HeapWalk(heap, &entry) != 0) {
             blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
         }
-        HeapUnlock(*heap);
+        HeapUnlock(heap);
     }
     return blocks;
 }

@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <clocale>
+#include <cstdlib>
 #include <functional>
+#include <future>
 #include <locale>
 #include <memory>
 #include <optional>
@@ -32,6 +34,7 @@ struct Grouping : std::numpunct<char> {
 template <typename Work>
 void inThreads(unsigned count, Work work) {
     std::vector<std::jthread> threads;
+    threads.reserve(count);
     for (unsigned i = 0; i < count; ++i) {
         threads.emplace_back([&work, i] { work(i); });
     }
