@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr DWORD kFiveMinutes = 300'000;
-
 void leave(std::string commandLine) {
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
@@ -41,7 +39,7 @@ int main(int argc, char** argv) {
             std::fflush(stdout);
             SetEvent(OpenEventA(EVENT_MODIFY_STATE, FALSE, ("here" + value).c_str()));
             WaitForSingleObject(OpenEventA(SYNCHRONIZE, FALSE, ("go" + value).c_str()),
-                                kFiveMinutes);
+                                300'000);
         } else if (step == "leave") {
             leave("CommandChild" + std::string(std::strstr(GetCommandLineA(), "leave") + 5));
             break;

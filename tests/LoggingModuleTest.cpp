@@ -53,14 +53,13 @@ TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
 TEST(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
     ProviderRegistry().swap(providerRegistry);  // which keeps its room
     failEachAllocation([](long, auto fail) {
-        {
-            LogManager manager;
-            auto plugin = preparePlugin([](std::string_view) {});
-            const bool failed = fail([&] { manager.loadPluginLibrary(kPlugin); });
-            plugin.reset();
-            EXPECT_EQ(providerRegistry.size(), failed ? 0U : 1U);
-            EXPECT_EQ(GetModuleHandleW(kPlugin) == nullptr, failed);
-        }
+        LogManager manager;
+        auto plugin = preparePlugin([](std::string_view) {});
+        const bool failed = fail([&] { manager.loadPluginLibrary(kPlugin); });
+        plugin.reset();
+        EXPECT_EQ(providerRegistry.size(), failed ? 0U : 1U);
+        EXPECT_EQ(GetModuleHandleW(kPlugin) == nullptr, failed);
+        manager.shutdownLogging();
         ProviderRegistry().swap(providerRegistry);
         EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
     });

@@ -13,8 +13,7 @@ namespace {
 
 using namespace tests;
 
-class Logging : public testing::Test {
- protected:
+struct Logging : testing::Test {
     Logging() {
         events.clear();
         events.reserve(10'000);

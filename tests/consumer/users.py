@@ -109,5 +109,4 @@ def pages():
 
 
 shutil.rmtree(WORK, ignore_errors=True)
-WORK.mkdir(parents=True)
 {"package": package, "subproject": subproject, "pages": pages}[TEST]()
