@@ -38,12 +38,10 @@ int main(int argc, char** argv) {
         } else if (step == "await") {
             std::fflush(stdout);
             SetEvent(OpenEventA(EVENT_MODIFY_STATE, FALSE, ("here" + value).c_str()));
-            WaitForSingleObject(OpenEventA(SYNCHRONIZE, FALSE, ("go" + value).c_str()),
-                                300'000);
+            WaitForSingleObject(OpenEventA(SYNCHRONIZE, FALSE, ("go" + value).c_str()), 300'000);
         } else if (step == "leave") {
             leave("CommandChild" + std::string(std::strstr(GetCommandLineA(), "leave") + 5));
             break;
         }
     }
-    return 0;
 }

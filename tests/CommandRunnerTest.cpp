@@ -1,6 +1,5 @@
 #include "support/Test.h"
 
-#include <atomic>
 #include <chrono>
 #include <filesystem>
 

@@ -11,15 +11,13 @@ using Quend::Framework::Framework::randomNumber;
 
 TEST(RandomSource, SumWrapsAt65536AndTheCounterAt32Bits) {
     for (const std::uint32_t counter : {0U, 40'000U, 65'530U, 0xFFFFFFFCU}) {
-        std::array<std::uint32_t, 10> expected{};
+        std::array<std::uint32_t, 10> drawn{};
         std::srand(7);
-        for (std::uint32_t i = 0; i < expected.size(); ++i) {
-            expected.at(i) = (static_cast<std::uint32_t>(std::rand()) + counter + i) & 0xFFFF;
-        }
+        std::generate(drawn.begin(), drawn.end(), std::rand);
         std::srand(7);
         randomCallCounter = counter;
-        for (const std::uint32_t each : expected) {
-            EXPECT_EQ(randomNumber(), each);
+        for (std::uint32_t i = 0; i < drawn.size(); ++i) {
+            EXPECT_EQ(randomNumber(), (drawn.at(i) + counter + i) & 0xFFFF);
         }
         EXPECT_EQ(randomCallCounter, counter + 10);
     }

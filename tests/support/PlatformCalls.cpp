@@ -1,7 +1,5 @@
 #include "support/PlatformCalls.h"
 
-#include "support/Test.h"
-
 #include <cstring>
 
 namespace tests {

@@ -1,4 +1,4 @@
-// GoogleTest, and what several tests use of Windows, of the standard library and of each other.
+// GoogleTest, and what several tests use of Windows and of the standard library, or share.
 #pragma once
 
 #include <windows.h>
