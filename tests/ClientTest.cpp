@@ -19,7 +19,8 @@ using Quend::Framework::Framework::propertyManager;
 using Quend::Framework::Framework::readPropertyOr;
 
 TEST(Client, MemoryComesFromTheRuntimesHeap) {
-    void* const none = std::malloc(0);  // NOLINT(clang-analyzer-optin.portability.UnixAPI)
+    // NOLINTNEXTLINE(clang-analyzer-optin.portability.UnixAPI): what it gives is compared with
+    void* const none = std::malloc(0);
     void* const ours = allocate(0);
     EXPECT_EQ(ours == nullptr, none == nullptr);
     deallocate(none);  // one heap: what either side allocates, either side frees

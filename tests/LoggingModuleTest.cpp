@@ -107,7 +107,8 @@ TEST(LoggingPluginDeathTest, ProcessExitDoesNotWaitForAThreadStoppedInASink) {
                 "^pown:1block gone $");
 }
 
-errno_t (*const overload)(std::size_t*, wchar_t*, std::size_t, const wchar_t*) = _wgetenv_s;
+using Getenv = errno_t (*)(std::size_t*, wchar_t*, std::size_t, const wchar_t*);
+const Getenv imported = _wgetenv_s;  // the others of this name are inline functions
 int environmentReads = 0;
 int failingRead = 0;
 
@@ -118,7 +119,7 @@ const auto countingGetenv = [](auto real, auto* size, auto* buffer, std::size_t 
 };
 
 TEST(LoggingEnvironment, DebugStringIsRead) {
-    const Hook hook("_wgetenv_s", overload, countingGetenv);
+    const Hook hook("_wgetenv_s", imported, countingGetenv);
     using Row = std::tuple<const wchar_t*, int, bool, int>;
     for (const auto& [value, failing, isRequested, reads] :
          {Row{L"1", 0, true, 2}, Row{L"longer than in place", 0, true, 2}, Row{L"1", 1, false, 1},
@@ -137,7 +138,7 @@ TEST(LoggingPlugin, ModuleReadsTheEnvironmentOnceAndEndsItsPluginsAtUnload) {
     const HMODULE module = LoadLibraryW(kModule);
     auto* const logInModule = exportOf<LogInModule>(module, "logInModule");
     {
-        const Hook hook("_wgetenv_s", overload, countingGetenv, module);
+        const Hook hook("_wgetenv_s", imported, countingGetenv, module);
         environmentReads = failingRead = 0;
         const auto plugin = preparePlugin();
         logInModule(kPlugin, 0, "not logged");

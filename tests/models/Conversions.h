@@ -37,8 +37,7 @@ inline void checkConversions(Input input) {
             unit = (unit << 8 | static_cast<unsigned char>(narrow.back())) & mask;
         }
         // On tag characters, a conversion of glibc's to ASCII fails an assertion.
-        const bool isTag = unit >> 7 == 0xE0000 >> 7;
-        wide += static_cast<wchar_t>(isTag || mask == 0 ? frequent : unit);
+        wide += static_cast<wchar_t>(mask == 0 || unit >> 7 == 0xE0000 >> 7 ? frequent : unit);
     }
 
     const auto converted = convert<char>(wide, [](auto... all) { return wcstombs_s(all...); });

@@ -23,8 +23,8 @@ class ImportPatch {
     void* other;
 };
 
-// While it lives, `instead(real, arguments...)` answers, on any thread, each call of the function
-// `name`, which is `function`; `real` is the function to call through. As in
+// While it lives, `instead(real, arguments...)` answers each call of the function `name`, on any
+// thread; `real` is that function, to call through. It is given itself as well, for its type. As in
 //   const tests::Hook sleep("Sleep", Sleep, [](auto real, DWORD ms) { real(2 * ms); });
 template <typename Instead, typename Result, typename... Arguments>
 class Hook {
