@@ -70,8 +70,7 @@ TEST(Handle, HasOneOwner) {
     EXPECT_EQ(tests::handleCount(), before);
 }
 
-// Microsoft's pages disagree about the rights of the handles that CreatePipe gives. If this fails,
-// every command gives (false, "").
+// Microsoft's pages disagree about the rights of the handles that CreatePipe gives.
 TEST(CommandRunnerPlatform, TheReadEndOfAPipeCanBeMadeNonBlocking) {
     HANDLE ends[2];
     ASSERT_TRUE(CreatePipe(&ends[0], &ends[1], nullptr, 0));

@@ -68,8 +68,7 @@ TEST_F(Logging, SinksAndProvidersMayCallBack) {
     EXPECT_EQ(takeEvents(),
               "pb:2asked qb:2asked "
               "pa:1outer pa:1a qa:1a pb:1b qb:1b pnew:1new qnew:1new qa:1outer ");
-    // A provider asks for the same name: the inner channel stays, the outer one's sinks are
-    // released.
+    // A provider asks for the same name: the inner channel stays, the outer's sinks are released.
     auto* const own = manager.getChannel("own");
     EXPECT_EQ(own, inner);
     EXPECT_EQ(takeEvents(), "pown:2inner qown:2inner -pown -qown ");
@@ -110,6 +109,7 @@ TEST_F(Logging, ExceptionsPassThroughAndLeaveNothingBehind) {
 }
 
 const char* const kLongText = "and more of it than a short string holds in place";
+const std::string kBeyondTheBuffer(300, 'x');
 
 TEST_F(Logging, FailedAllocationLeavesTheStatedState) {
     const auto log = [](LogManager& m, ChannelHandle channel) { m.log(channel, 1, kLongText); };
@@ -117,10 +117,14 @@ TEST_F(Logging, FailedAllocationLeavesTheStatedState) {
     const auto add = [](LogManager& m, ChannelHandle) {
         m.registerSinkProvider(std::make_unique<TestProvider>("q"));
     };
+    const auto insert = [](LogManager&, ChannelHandle channel) {
+        EXPECT_NO_THROW(LogMessage(channel, 0) << kBeyondTheBuffer);
+    };
     using Row = std::tuple<void (*)(LogManager&, ChannelHandle), std::size_t, std::size_t, int>;
     // The 102nd record is the marker.
     for (const auto& [call, recordsBefore, recordsAfter, providersAfter] :
-         {Row{get, 4, 4, 2}, Row{log, 4, 5, 2}, Row{log, 101, 102, 2}, Row{add, 4, 4, 3}}) {
+         {Row{get, 4, 4, 2}, Row{log, 4, 5, 2}, Row{log, 101, 102, 2}, Row{add, 4, 4, 3},
+          Row{insert, 4, 4, 2}}) {
         failEachAllocation([&](long, auto fail) {
             ProviderRegistry().swap(providerRegistry);
             LogManager each;

@@ -37,8 +37,7 @@ TEST(ObjectRegistry, FailedAllocationLeavesNothingRecorded) {
             });
             EXPECT_EQ(registry.findObject(kLongName), isHeldWithNull ? nullptr : object);
             registry.unregisterObject(kLongName);
-            // Two references: the failed call's stays counted.
-            isHeldWithNull ? registry.unregisterObject(kLongName) : void();
+            isHeldWithNull ? registry.unregisterObject(kLongName) : void();  // the failed call's
             const long before = destroyed;
             registry.registerObject(kLongName, makeTracked);
             registry.unregisterObject(kLongName);

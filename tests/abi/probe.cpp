@@ -3,7 +3,6 @@
 #include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Framework.h>
 #include <Quend/Framework/MemoryManager.h>
-#include <Quend/Framework/PropertyManager.h>
 
 #include "Quend/RegistryAccess/RegistryErrors.h"
 #include "logging/LogSink.h"

@@ -68,7 +68,6 @@ def package():
     printed = re.search(r"\n```text\n([^`]+)```", (home / "docs/first-module.md").read_text())[1]
     expect_output(printed, first / "build/bin/guests.exe")
 
-    # By pkg-config.
     flags = output("pkg-config", "--cflags", "--libs", "quend-framework",
                    env=os.environ | {"PKG_CONFIG_PATH": f"{home}/lib/pkgconfig"})
     run(CXX, home / "examples/quick-start/main.cpp", "-std=c++14",
