@@ -134,7 +134,7 @@ inline void checkLogging(Input input) {
         MODEL_CHECK(takeEvents() == expected);
         MODEL_CHECK(real.name == name && manager.getChannel(name.c_str()) == channel.handle);
         MODEL_CHECK(real.overflowed == (channel.cache.size() == 102 ? 1U : 0U));
-        MODEL_CHECK(real.cache.size() == channel.cache.size());
+        MODEL_CHECK(real.cache.size() == channel.cache.size() && real.levelSetting == 50);
         for (std::size_t i = 0; i < real.cache.size(); ++i) {
             MODEL_CHECK(std::to_string(real.cache[i].level) + real.cache[i].text ==
                         channel.cache[i]);
