@@ -4,7 +4,6 @@
 #include <sys/timeb.h>
 
 #include <chrono>
-#include <cstdio>
 
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"

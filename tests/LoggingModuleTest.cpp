@@ -1,8 +1,6 @@
 // The parts of logging that need Windows: plug-in libraries, unloading, and the environment.
 #include "support/Test.h"
 
-#include <cstdio>
-
 #include "LoggingModule.h"
 #include "logging/DebugString.h"
 #include "models/Logging.h"

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <future>
