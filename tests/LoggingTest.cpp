@@ -1,7 +1,5 @@
 #include "support/Test.h"
 
-#include <regex>
-
 #include "locking/RecursiveMutex.h"
 #include "logging/LogManager.h"
 #include "logging/LogMessage.h"
@@ -36,7 +34,8 @@ TEST_F(Logging, SinkMayLogIntoTheCacheThatIsReplayed) {
     addProvider("p",
                 [&](const std::string&) { more-- > 0 ? manager.log(handle, 0, "+") : void(); });
     attachSinks(*handle->channel);
-    EXPECT_TRUE(std::regex_match(takeEvents(), std::regex("pc:7first (pc:0[+] ){40}")));
+    const std::string written = takeEvents();
+    EXPECT_TRUE(written.starts_with("pc:7first pc:0+ ") && written.size() == 10 + 40 * 6) << written;
     EXPECT_TRUE(handle->channel->cache.empty());
 }
 
