@@ -64,6 +64,20 @@ TEST(ObjectRegistry, FurtherReferencesAllocateNothingAndAreCountedBeyond16Bits) 
     EXPECT_EQ(destroyed, before + 1);
 }
 
+// The name is copied when the factory has run, as it reads then.
+TEST(ObjectRegistry, FactoryMayChangeTheCallersBuffer) {
+    static char name[] = "cache.temporary";
+    ObjectRegistry registry;
+    IRegisteredObject* const object = registry.registerObject(name, [] {
+        name[5] = '\0';
+        return makeTracked();
+    });
+    EXPECT_EQ(registry.findObject("cache"), object);
+    const long before = destroyed;
+    registry.unregisterObject("cache");
+    EXPECT_EQ(destroyed, before + 1) << "no name releases the object";
+}
+
 void expectEveryCallRefused() {
     EXPECT_THROW(registerObject("inner", makeTracked), std::system_error);
     EXPECT_THROW(findObject("outer"), std::system_error);

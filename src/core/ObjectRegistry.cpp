@@ -26,10 +26,11 @@ IRegisteredObject* ObjectRegistry::registerObject(const char* name, Factory fact
     created->object = factory();
     created->referenceCount = 1;
 
-    // The entry is not owned any more: its object may be in use already, so it is never destroyed
-    // here, neither when recording it fails nor when the name is held with null.
+    // The entry leaks on purpose if it cannot be recorded, or if the name is held with null: its
+    // object may be in use already.
     ObjectEntry* const entry = created.release();
-    objectTable.emplace_hint(place, key, entry);
+    // Reads `name` afresh: the factory may have changed the caller's buffer.
+    objectTable.emplace_hint(place, name, entry);
     return entry->object;
 }
 
