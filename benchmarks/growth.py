@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the tables of growth into docs/performance.md, prints them, and draws the curves.
+"""Writes the tables of growth into docs/internals/performance.md, prints them, and draws the curves.
 
 growth.py PAGE FOLDER LINES...: where the pictures go, and what the harness printed.
 """

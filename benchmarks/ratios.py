@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the table of ratios into docs/performance.md, and prints it.
+"""Writes the table of ratios into docs/internals/performance.md, and prints it.
 
 ratios.py NATIVE PAGE LINES...: what the harness printed, natively (only peers that do not compile for
 Windows) and on Windows; a line is "group/subject<TAB>nanoseconds".

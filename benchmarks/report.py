@@ -1,4 +1,4 @@
-"""Reads what the harness prints, and writes blocks of docs/performance.md."""
+"""Reads what the harness prints, and writes blocks of docs/internals/performance.md."""
 import datetime
 import os
 import re

@@ -42,9 +42,10 @@ endif()
 install(FILES ${PROJECT_BINARY_DIR}/QuendFrameworkConfig.cmake
   ${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersion.cmake DESTINATION ${package_dir})
 
-# What a reader needs first is at the root; links between the pages work as in the repository.
-install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION .)
-install(DIRECTORY docs DESTINATION . FILES_MATCHING PATTERN *.md PATTERN *.svg)
+# What a reader needs first is at the root; links between the pages work as in the repository. Pages
+# for those who work on the library stay there.
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION .)
+install(DIRECTORY docs DESTINATION . FILES_MATCHING PATTERN *.md PATTERN internals EXCLUDE)
 install(FILES examples/CMakeLists.txt DESTINATION examples)
 install(DIRECTORY examples/quick-start examples/first-module examples/modules
   DESTINATION examples)

@@ -101,7 +101,7 @@ def subproject():
 
 def pages():
     sources = "".join(file.read_text() for file in (ROOT / "examples").rglob("*.*"))
-    blocks = [block for page in [*ROOT.glob("*.md"), *ROOT.glob("docs/*.md")]
+    blocks = [block for page in [*ROOT.glob("*.md"), *ROOT.glob("docs/**/*.md")]
               for block in re.findall(r"\n```(?:cpp|cmake)\n(.*?)```", page.read_text(), re.S)]
     missing = [block for block in blocks if block not in sources]
     assert len(blocks) >= 10 and not missing, "No file has:\n" + "\n".join(missing)
