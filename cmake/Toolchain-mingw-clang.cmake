@@ -3,12 +3,7 @@
 # notes sections of different size: lld 22 drops unwind tables of libstdc++.a, and an exception that
 # passes such a function ends in a crash.
 include(${CMAKE_CURRENT_LIST_DIR}/Toolchain-mingw.cmake)
-
-# Debian's newest, or the one before it; clang 14 does not find Debian's MinGW libraries.
-find_program(CLANG NAMES clang-22 clang-19 REQUIRED)
-find_program(CLANGXX NAMES clang++-22 clang++-19 REQUIRED)
-set(CMAKE_C_COMPILER ${CLANG})
-set(CMAKE_CXX_COMPILER ${CLANGXX})
+include(${CMAKE_CURRENT_LIST_DIR}/Toolchain-clang.cmake)
 set(CMAKE_C_COMPILER_TARGET x86_64-w64-mingw32)
 set(CMAKE_CXX_COMPILER_TARGET x86_64-w64-mingw32)
 # What GCC does unasked: thread-local variables as libstdc++ expects them, and posix threads.
