@@ -160,7 +160,9 @@ TEST_F(Logging, LogMessageLogsUpToANulAndNothingAtLevelZero) {
     addProvider("p");
     auto* const handle = manager.getChannel("c");
     LogMessage(handle, 0) << "nothing";
-    { const LogMessage empty(handle, 4'000'000'000); }
+    {
+        const LogMessage empty(handle, 4'000'000'000);
+    }
     LogMessage(handle, 10) << std::string("cut\0here", 8);
     EXPECT_TRUE(handle->channel->cache.empty());
     EXPECT_EQ(takeEvents(), "pc:4000000000 pc:10cut ");

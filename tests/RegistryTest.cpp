@@ -291,7 +291,9 @@ TEST_F(RegistryTest, FailedAllocationLeavesNoKeyOpen) {
 // A key that is closed too early, or twice, refuses to set a value; one that is left open counts.
 TEST_F(RegistryTest, EachKeyIsClosedWithItsLastObject) {
     const std::size_t before = tests::handleCount();
-    { const std::vector<Registry> moreThan16BitsCount(70'000, key); }
+    {
+        const std::vector<Registry> moreThan16BitsCount(70'000, key);
+    }
     for (const auto& open : waysToOpen) {
         Registry first = open();
         const std::string name = first.getName();

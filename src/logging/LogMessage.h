@@ -36,7 +36,8 @@ class LogMessage {
 
     /// Inserts whatever a std::ostringstream takes, with the same text as the result.
     template <typename T>
-    requires(!isNumberOrEnum<std::remove_cvref_t<T>>) LogMessage& operator<<(T&& value) {
+    requires(!isNumberOrEnum<std::remove_cvref_t<T>>)
+    LogMessage& operator<<(T&& value) {
         text.insert(std::forward<T>(value));
         return *this;
     }
@@ -44,7 +45,8 @@ class LogMessage {
     /// Numbers and enumerators are taken by value, as a stream takes them: a static constant
     /// without a definition has no address to refer to, nor has a bit-field.
     template <typename T>
-    requires(isNumberOrEnum<T>) LogMessage& operator<<(T value) {
+    requires(isNumberOrEnum<T>)
+    LogMessage& operator<<(T value) {
         text.insert(value);
         return *this;
     }
