@@ -6,7 +6,7 @@ namespace Quend::Framework::Logging {
 
 LogMessage::~LogMessage() noexcept {
     if (level != 0) {
-        log(channel, level, text.get());
+        log(channel, level, text.finish());
     }
 }
 

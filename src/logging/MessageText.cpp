@@ -4,7 +4,7 @@
 
 namespace Quend::Framework::Logging {
 
-bool MessageText::isLongTextAppended(std::string_view text) {
+bool MessageText::tryAppendLongText(std::string_view text) {
     try {
         if (longText.empty()) {
             longText.reserve(2 * (size + text.size()));

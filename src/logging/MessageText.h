@@ -31,15 +31,16 @@ class MessageText {
     /// Inserts as a std::ostringstream does, which throws nothing itself.
     template <typename T>
     void insert(T&& value) {
-        if (!stream && isAppended(value)) {
+        if (!stream && tryAppend(value)) {
             return;
         }
         // NOLINTNEXTLINE(bugprone-unintended-char-ostream-output): as any stream does
         asStream() << std::forward<T>(value);
     }
 
-    /// Zero-terminated; valid until the object is used again. Text behind a NUL is not seen.
-    const char* get() {
+    /// Ends the text and returns it, zero-terminated; valid as long as the object.
+    /// Requires: called once, after the last insertion. It takes the text out of the stream.
+    const char* finish() {
         if (stream) {
             longText = std::move(*stream).str();
         }
@@ -56,27 +57,27 @@ class MessageText {
 
     /// Only for these very types: one that merely converts to them may have its own inserter.
     template <typename T>
-    bool isAppended(const T& value) {
+    bool tryAppend(const T& value) {
         if constexpr (isOneOf<T, short, unsigned short, int, unsigned, long, unsigned long,
                               long long, unsigned long long>) {
-            return isNumberAppended(value);
+            return tryAppendNumber(value);
         } else if constexpr (isOneOf<T, float, double>) {
             // The format of a stream. Its text for infinity and NaN depends on the platform.
-            return std::isfinite(value) && isNumberAppended(value, std::chars_format::general, 6);
+            return std::isfinite(value) && tryAppendNumber(value, std::chars_format::general, 6);
         } else if constexpr (std::is_same_v<T, char>) {
-            return isTextAppended({&value, 1});
+            return tryAppendText({&value, 1});
         } else if constexpr (isOneOf<std::decay_t<T>, const char*, char*>) {
             const char* const text = value;
-            return text != nullptr && isTextAppended(text);
+            return text != nullptr && tryAppendText(text);
         } else if constexpr (isOneOf<T, std::string, std::string_view>) {
-            return isTextAppended(value);
+            return tryAppendText(value);
         } else {
             return false;
         }
     }
 
     template <typename T, typename... Format>
-    bool isNumberAppended(T value, Format... format) {
+    bool tryAppendNumber(T value, Format... format) {
         if (locale != std::locale::classic()) {  // which may group digits or have another point
             return false;
         }
@@ -87,13 +88,13 @@ class MessageText {
         }
         std::array<char, 24> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init)
         char* const digitsEnd = digits.data() + digits.size();
-        return isLongTextAppended(
+        return tryAppendLongText(
             {digits.data(), std::to_chars(digits.data(), digitsEnd, value, format...).ptr});
     }
 
-    bool isTextAppended(std::string_view text) {
+    bool tryAppendText(std::string_view text) {
         if (text.size() >= buffer.size() - size) {
-            return isLongTextAppended(text);
+            return tryAppendLongText(text);
         }
         text.copy(buffer.data() + size, text.size());
         size += text.size();
@@ -101,7 +102,7 @@ class MessageText {
     }
 
     /// False if memory runs out. The stream then fails likewise, and tells nobody.
-    bool isLongTextAppended(std::string_view text);
+    bool tryAppendLongText(std::string_view text);
 
     std::ostringstream& asStream();
 
