@@ -6,6 +6,8 @@
 #include <iomanip>
 
 #include "logging/LogMessage.h"
+#include "logging/MessageText.h"
+#include "support/Allocations.h"
 
 namespace {
 
@@ -81,6 +83,51 @@ TEST(LogMessage, HoldsWhatAStreamHolds) {
         }
         message.reset();
         EXPECT_EQ(slot.channel->cache.back().text, stream.str());
+    }
+}
+
+TEST(MessageText, KeepsWhatWasInsertedBeforeMemoryRanOut) {
+    const std::string line(40, 'l');
+    const std::string page(300, 'p');
+    const std::string book(700, 'b');
+    const std::string nearlyFull(250, 'n');
+    struct Loss {
+        const char* when;
+        std::string kept;
+        std::function<void(MessageText&)> lose;
+    };
+    const Loss losses[] = {
+        {.when = "the text outgrows the buffer",
+         .kept = line,
+         .lose = [&](MessageText& text) { text.insert(book); }},
+        {.when = "a number outgrows the buffer",
+         .kept = nearlyFull,
+         .lose = [](MessageText& text) { text.insert(1'234'567); }},
+        {.when = "the long text grows",
+         .kept = page,
+         .lose = [&](MessageText& text) { text.insert(book); }},
+        {.when = "a stream is to take the text over",
+         .kept = line,
+         .lose = [](MessageText& text) { text.insert(std::setw(9)); }},
+        {.when = "a stream is to take the long text over",
+         .kept = page,
+         .lose = [](MessageText& text) { text.insert(std::setw(9)); }},
+    };
+    for (const Loss& loss : losses) {
+        SCOPED_TRACE(loss.when);
+        MessageText text;
+        text.insert(loss.kept);
+        {
+            const tests::AllocationFault fault(1, true);
+            loss.lose(text);
+            EXPECT_TRUE(tests::AllocationFault::happened());
+        }
+        text.insert('c');  // there is memory again, but the message is not complete
+        text.insert(7);
+        text.insert(page);
+        text.insert(std::boolalpha);
+        text.insert(true);
+        EXPECT_EQ(text.finish(), loss.kept);
     }
 }
 

@@ -5,26 +5,39 @@
 namespace Quend::Framework::Logging {
 
 bool MessageText::tryAppendLongText(std::string_view text) {
+    if (isCut) {
+        return false;
+    }
     try {
         if (longText.empty()) {
             longText.reserve(2 * (size + text.size()));
             longText.assign(buffer.data(), size);
-            size = buffer.size() - 1;
+            closeBuffer();
         }
         longText.append(text);
         return true;
     } catch (const std::bad_alloc&) {
+        cut();
         return false;
     }
 }
 
-std::ostringstream& MessageText::asStream() {
-    if (!stream) {
-        stream.emplace();
-        stream->imbue(locale);
-        *stream << (longText.empty() ? std::string_view(buffer.data(), size) : longText);
+std::ostringstream* MessageText::asStream() {
+    if (!stream && !isCut) {
+        try {
+            stream.emplace(longText.empty() ? std::string(buffer.data(), size) : longText,
+                           std::ios_base::ate);
+            stream->imbue(locale);
+        } catch (const std::bad_alloc&) {
+            cut();
+        }
     }
-    return *stream;
+    return stream ? &*stream : nullptr;
+}
+
+void MessageText::cut() {
+    closeBuffer();
+    isCut = true;
 }
 
 }  // namespace Quend::Framework::Logging

@@ -1,13 +1,3 @@
-/// \file
-/// The text of a message while it is being built: what a std::ostringstream made at the same time
-/// would hold after the same insertions, without the cost of one for the usual messages.
-///
-/// Text, integers and finite numbers with a point are appended to a buffer of this object, and to
-/// a string where the buffer ends. The first insertion of anything else (a manipulator, a type with
-/// an inserter of its own) makes the stream, which takes over the text so far and all that follows.
-///
-/// Threading: an object belongs to one thread. No stream is kept for each thread: it would have to
-/// be destroyed by threads that outlive the library.
 #pragma once
 
 #include <array>
@@ -25,20 +15,34 @@
 
 namespace Quend::Framework::Logging {
 
+/// The text of a message while it is being built: what a std::ostringstream made at the same time
+/// would hold after the same insertions, without the cost of one for the usual messages.
+///
+/// Text, integers and finite numbers with a point are appended to a buffer of this object, and to
+/// a string where the buffer ends. The first insertion of anything else (a manipulator, a type with
+/// an inserter of its own) makes the stream, which takes over the text so far and all that follows.
+///
+/// Threading: an object belongs to one thread. No stream is kept for each thread: it would have to
+/// be destroyed by threads that outlive the library.
+/// On failure: if memory runs out, that insertion and all later ones are lost, and nothing is
+/// thrown. What was inserted before stays.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the buffer is filled as it is used
 class MessageText {
  public:
-    /// Inserts as a std::ostringstream does, which throws nothing itself.
+    /// Inserts as a std::ostringstream does.
     template <typename T>
     void insert(T&& value) {
         if (!stream && tryAppend(value)) {
             return;
         }
-        // NOLINTNEXTLINE(bugprone-unintended-char-ostream-output): as any stream does
-        asStream() << std::forward<T>(value);
+        if (std::ostringstream* const out = asStream()) {
+            // NOLINTNEXTLINE(bugprone-unintended-char-ostream-output): as any stream does
+            *out << std::forward<T>(value);
+        }
     }
 
-    /// Ends the text and returns it, zero-terminated; valid as long as the object.
+    /// Ends the text and returns it, zero-terminated; valid as long as the object. Text behind a
+    /// NUL is not seen.
     /// Requires: called once, after the last insertion. It takes the text out of the stream.
     const char* finish() {
         if (stream) {
@@ -101,10 +105,19 @@ class MessageText {
         return true;
     }
 
-    /// False if memory runs out. The stream then fails likewise, and tells nobody.
     bool tryAppendLongText(std::string_view text);
 
-    std::ostringstream& asStream();
+    /// Makes the stream, unless it is there. Returns null if memory runs out or has done so before.
+    std::ostringstream* asStream();
+
+    /// Ends the text where it is, for want of memory.
+    void cut();
+
+    /// Ends the text in the buffer. No later text fits behind it, so all of it takes the long way.
+    void closeBuffer() {
+        buffer[size] = '\0';
+        size = buffer.size() - 1;
+    }
 
     char* end() { return buffer.data() + buffer.size() - 1; }  // keeps room for the NUL
 
@@ -112,6 +125,7 @@ class MessageText {
     std::size_t size = 0;
     std::string longText;                      // all of the text, if it has outgrown the buffer
     std::optional<std::ostringstream> stream;  // all of the text, if it exists
+    bool isCut = false;                        // memory has run out: nothing more is inserted
     std::locale locale;  // the global one of the time when the message was begun
 };
 
