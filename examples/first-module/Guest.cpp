@@ -18,7 +18,7 @@ std::optional<ObjectReference<Guestbook>> guestbook;
 }  // namespace
 
 extern "C" __declspec(dllexport) bool start() try {
-    guestbook.emplace("guest book");  // whoever asks first creates it
+    guestbook.emplace("guest book", makeGuestbook);  // the first caller creates it
     (*guestbook)->sign(GUEST);
     std::printf("%s: signed, the book says: %s\n", GUEST, (*guestbook)->names().c_str());
     return true;
@@ -35,5 +35,5 @@ extern "C" __declspec(dllexport) void stop() {
         return;  // start() failed
     }
     std::printf("%s: leaving, the book says: %s\n", GUEST, (*guestbook)->names().c_str());
-    guestbook.reset();  // whoever leaves last destroys it
+    guestbook.reset();  // the last caller destroys it
 }

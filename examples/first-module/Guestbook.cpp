@@ -2,8 +2,22 @@
 
 #include <cstdio>
 
-Guestbook::Guestbook() { std::puts("guest book: opened"); }
-Guestbook::~Guestbook() { std::puts("guest book: closed"); }
+using Quend::Framework::Management::MemoryManager::IRegisteredObject;
 
-void Guestbook::sign(const std::string& name) { names_ += names_.empty() ? name : ", " + name; }
-const std::string& Guestbook::names() const { return names_; }
+namespace {
+
+class PaperGuestbook final : public Guestbook {
+ public:
+    PaperGuestbook() { std::puts("guest book: opened"); }
+    ~PaperGuestbook() override { std::puts("guest book: closed"); }
+
+    void sign(const std::string& name) override { text += text.empty() ? name : ", " + name; }
+    const std::string& names() const override { return text; }
+
+ private:
+    std::string text;
+};
+
+}  // namespace
+
+IRegisteredObject* makeGuestbook() { return new PaperGuestbook; }

@@ -1,5 +1,5 @@
-// The object that the modules share. Its class lives in a DLL of its own, which every module that
-// uses it imports, and which therefore stays loaded as long as any of them does.
+// What the modules know of the object that they share: its interface, and the factory. The class
+// behind it is in Guestbook.dll.
 #pragma once
 
 #include <Quend/Framework/MemoryManager.h>
@@ -12,17 +12,11 @@
 #define GUESTBOOK_API __declspec(dllimport)
 #endif
 
-class GUESTBOOK_API Guestbook
-    : public Quend::Framework::Management::MemoryManager::IRegisteredObject {
+class Guestbook : public Quend::Framework::Management::MemoryManager::IRegisteredObject {
  public:
-    Guestbook();
-    Guestbook(const Guestbook&) = delete;
-    Guestbook& operator=(const Guestbook&) = delete;
-    ~Guestbook() override;
-
-    void sign(const std::string& name);
-    const std::string& names() const;
-
- private:
-    std::string names_;
+    virtual void sign(const std::string& name) = 0;
+    virtual const std::string& names() const = 0;
 };
+
+// A module that uses it imports Guestbook.dll, which then stays loaded as long as the module.
+GUESTBOOK_API Quend::Framework::Management::MemoryManager::IRegisteredObject* makeGuestbook();

@@ -12,6 +12,10 @@ namespace {
 class RunningModule {
  public:
     explicit RunningModule(const std::string& file) : module(LoadLibraryA(file.c_str())) {
+        if (module == nullptr) {
+            const DWORD error = GetLastError();
+            throw std::runtime_error(file + " cannot be loaded, error " + std::to_string(error));
+        }
         std::printf("host: loaded %s\n", file.c_str());
         auto* const start = find<bool()>("start");
         if (start == nullptr || !start()) {

@@ -1,8 +1,9 @@
 // Takes a reference of its own, outlives the module that created the object, and frees memory
 // that others have allocated and grown.
-#include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Framework.h>
 #include <Quend/Framework/ReadPropertyOr.h>
+
+#include <windows.h>
 
 #include <iostream>
 #include <optional>
@@ -22,20 +23,30 @@ namespace {
 
 std::optional<ObjectReference<SharedText>> sharedText;
 
-// Shows `?` for anything but ASCII, so that the console's encoding does not matter.
-std::string printable(const std::wstring& text) {
-    std::string result;
-    for (const wchar_t unit : text) {
-        result += unit >= L' ' && unit <= L'~' ? static_cast<char>(unit) : '?';
-    }
-    return result;
+std::string utf8(const std::wstring& text) {
+    const int units = static_cast<int>(text.size());
+    std::string bytes(3 * text.size(), '\0');  // a unit takes three at most
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), units, bytes.data(),
+                                         static_cast<int>(bytes.size()), nullptr, nullptr);
+    bytes.resize(static_cast<std::size_t>(size));
+    return bytes;
 }
 
-void show(const wchar_t* name) {
+// Shows every character on a console, and writes UTF-8 into a file or a pipe.
+void print(const std::wstring& text) {
+    std::cout.flush();
+    auto* const output = GetStdHandle(STD_OUTPUT_HANDLE);
+    const auto units = static_cast<DWORD>(text.size());
+    DWORD written = 0;
+    if (WriteConsoleW(output, text.data(), units, &written, nullptr) == 0) {  // not a console
+        std::cout << utf8(text) << std::flush;
+    }
+}
+
+void show(const std::wstring& name) {
     try {
         const std::wstring& value = propertyManager()->readProperty(name);
-        std::cout << "[reporter] property \"" << printable(name) << "\" is: " << printable(value)
-                  << '\n';
+        print(L"[reporter] property \"" + name + L"\" is: " + value + L"\n");
     } catch (const FrameworkException& error) {
         std::cout << "[reporter] caught: " << error.getMessage() << '\n';
     }
@@ -56,8 +67,7 @@ MODULE_EXPORT void stopModule() {
     SharedText& text = **sharedText;
     show(L"report.title");
     show(L"report.footer");
-    std::cout << "[reporter] with a fallback: "
-              << printable(readPropertyOr(L"report.footer", L"no footer")) << '\n';
+    print(L"[reporter] with a fallback: " + readPropertyOr(L"report.footer", L"no footer") + L"\n");
     const std::string_view whole(text.bytes.get(), text.size);
     std::cout << "[reporter] the text begins: " << whole.substr(0, whole.find_first_of("\r\n"))
               << '\n'

@@ -5,6 +5,7 @@
 /// Threading: any thread may call any function at any time.
 #pragma once
 
+#include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Export.h>
 #include <Quend/Framework/PropertyManager.h>
 
