@@ -266,6 +266,124 @@ TEST_F(CommandRunner, OneThatWaitsForAnotherToStartEndsAtItsFlag) {
     EXPECT_EQ(first.get(), wrote(""));
 }
 
+// Windows writes nothing into a buffer that is too small, and answers with the size it needs. The
+// command would be "\cmd.exe" then, from the root of the drive.
+TEST_F(CommandRunner, NeverStartsAnInterpreterWithoutItsDirectory) {
+    int started = 0;
+    const tests::Hook process("CreateProcessA", CreateProcessA, [&](auto...) {
+        ++started;
+        return TRUE;
+    });
+    for (const UINT answer : {0U, 4096U, 4097U}) {
+        const tests::Hook directory("GetSystemDirectoryA", GetSystemDirectoryA,
+                                    [&](auto...) { return answer; });
+        EXPECT_EQ(executeCommand("echo x", flag()), failed()) << answer;
+    }
+    EXPECT_EQ(started, 0);
+}
+
+#ifndef _MSC_VER  // whose locks need no memory
+// The first lock of a future allocates. A child that never ends is still running when that fails.
+TEST_F(CommandRunner, StopsReadingWhenTheWaitForItFails) {
+    const tests::Hook process("CreateProcessA", CreateProcessA, [](auto...) { return TRUE; });
+    const DWORD caller = GetCurrentThreadId();
+    bool isTaskStarted = false;
+    std::atomic<bool> hasFailed = false;
+    const tests::Hook thread("_beginthreadex", _beginthreadex, [&](auto real, auto... arguments) {
+        const auto result = real(arguments...);
+        isTaskStarted = true;
+        return result;
+    });
+    const tests::Hook memory("malloc", std::malloc, [&](auto real, std::size_t size) -> void* {
+        if (GetCurrentThreadId() == caller && isTaskStarted && !hasFailed.exchange(true)) {
+            return nullptr;
+        }
+        return real(size);
+    });
+    const auto giveUp = std::chrono::steady_clock::now() + 20s;
+    std::atomic<bool> isStopped = true;
+    const tests::Hook read("ReadFile", ReadFile, [&](auto...) {
+        isStopped = std::chrono::steady_clock::now() < giveUp;
+        SetLastError(isStopped ? ERROR_NO_DATA : ERROR_BROKEN_PIPE);
+        return FALSE;
+    });
+    EXPECT_THROW(runCommand("echo x"), std::system_error);
+    EXPECT_TRUE(hasFailed);
+    EXPECT_TRUE(isStopped) << "the caller waited for the end of the output";
+}
+#endif
+
+// A flag whose first reader runs `afterRead` right behind the instruction that reads it. Windows
+// reports the first access to a guarded page, and the trap flag stops the thread one step later.
+class WatchedFlag {
+ public:
+    explicit WatchedFlag(std::function<void()> action) {
+        afterRead = std::move(action);
+        handler = AddVectoredExceptionHandler(1, &onException);
+        void* const page = VirtualAlloc(nullptr, 1, MEM_COMMIT, PAGE_READWRITE);
+        value = new (page) std::atomic<bool>(false);
+        DWORD before = 0;
+        VirtualProtect(page, 1, PAGE_READWRITE | PAGE_GUARD, &before);
+    }
+    ~WatchedFlag() {
+        RemoveVectoredExceptionHandler(handler);
+        VirtualFree(value, 0, MEM_RELEASE);
+    }
+    WatchedFlag(WatchedFlag&&) = delete;
+
+    void set() { *value = true; }
+    Flag share() const {
+        return {value, [](auto*) {}};
+    }
+
+ private:
+    static LONG CALLBACK onException(EXCEPTION_POINTERS* exception) {
+        const DWORD code = exception->ExceptionRecord->ExceptionCode;
+        if (code == STATUS_GUARD_PAGE_VIOLATION) {
+            exception->ContextRecord->EFlags |= 0x100;  // the processor's trap flag
+            return EXCEPTION_CONTINUE_EXECUTION;
+        }
+        if (code == STATUS_SINGLE_STEP) {
+            afterRead();
+            return EXCEPTION_CONTINUE_EXECUTION;
+        }
+        return EXCEPTION_CONTINUE_SEARCH;
+    }
+
+    static inline std::function<void()> afterRead;
+    std::atomic<bool>* value;
+    void* handler;
+};
+
+// The waiting command reads false. Then, before it goes on, its flag becomes true, and afterwards
+// the other command has started.
+TEST_F(CommandRunner, DoesNotStartIfItsFlagWasTrueBeforeItsTurn) {
+    const Handle isStarting = makeEvent();
+    const Handle go = makeEvent();
+    std::atomic<int> started = 0;
+    const tests::Hook createProcess("CreateProcessA", CreateProcessA, [&](auto...) {
+        if (++started == 1) {
+            SetEvent(isStarting.get());
+            await(go);
+        }
+        return TRUE;
+    });
+    std::future<Result> first = std::async(std::launch::async, executeCommand, "", flag());
+    await(isStarting);
+    int reads = 0;
+    WatchedFlag* watched = nullptr;
+    WatchedFlag stopFlag([&] {
+        ++reads;
+        watched->set();
+        SetEvent(go.get());
+        first.wait();
+    });
+    watched = &stopFlag;
+    EXPECT_EQ(executeCommand("", stopFlag.share()), failed());
+    EXPECT_EQ(reads, 1);
+    EXPECT_EQ(started, 1);
+}
+
 // The second child blocks in its standard error until then.
 TEST_F(CommandRunner, GivesUpAfterSixtySeconds) {
     const Leash leash;

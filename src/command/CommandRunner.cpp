@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -56,39 +57,27 @@ bool makeNonBlocking(const Handle& readEnd) {
 // One command starts at a time, from its first pipe to the closing of the write ends: a process
 // inherits every inheritable handle that is open when it starts, so each of two that started at
 // once would hold the other's write ends, and a quick command would last as long as a slow one.
-class StartTurn {
+//
+// Not a std::mutex: its try_lock may fail although the mutex is free, as when memory runs out.
+class StartLock {
  public:
-    // Waits for the turn. Gives up once `stopFlag` is true, which it reads only if it has to wait.
-    explicit StartTurn(const std::atomic<bool>& stopFlag) {
-        while (isTaken.exchange(true)) {
-            Sleep(1);
-            if (stopFlag) {
-                return;
-            }
-        }
-        isMine = true;
-    }
-    ~StartTurn() {
-        if (isMine) {
-            isTaken = false;
-        }
-    }
-    StartTurn(const StartTurn&) = delete;
-    StartTurn& operator=(const StartTurn&) = delete;
-
-    explicit operator bool() const { return isMine; }
+    bool try_lock() { return !isTaken.exchange(true); }
+    void unlock() { isTaken = false; }
 
  private:
-    // Not a std::mutex: its try_lock may fail although the mutex is free, as when memory runs out.
-    static constinit inline std::atomic<bool> isTaken{false};
-    bool isMine = false;
+    std::atomic<bool> isTaken{false};
 };
+constinit StartLock startLock;
 
 // Empty if any step fails. On every way out, the write ends are closed before the turn is over.
 std::optional<Child> start(const std::string& command, const std::atomic<bool>& stopFlag) {
-    const StartTurn turn(stopFlag);
-    if (!turn) {
-        return std::nullopt;
+    std::unique_lock turn(startLock, std::try_to_lock);
+    while (!turn) {
+        Sleep(1);
+        turn = std::unique_lock(startLock, std::try_to_lock);
+        if (stopFlag) {  // read after trying: a flag that was true before the turn is seen
+            return std::nullopt;
+        }
     }
     Child child;
     if (!createPipe(child.errors) || !createPipe(child.output) ||
@@ -103,10 +92,12 @@ std::optional<Child> start(const std::string& command, const std::atomic<bool>& 
     startup.hStdError = child.errors.writeEnd.get();
 
     std::array<char, kDirectorySize> directory{};
-    if (GetSystemDirectoryA(directory.data(), static_cast<UINT>(directory.size())) == 0) {
-        return std::nullopt;  // or the root of the drive would be searched for cmd.exe
+    const UINT length = GetSystemDirectoryA(directory.data(), static_cast<UINT>(directory.size()));
+    if (length == 0 || length >= directory.size()) {
+        // Failed, or does not fit: the empty buffer would make it cmd.exe of the drive's root.
+        return std::nullopt;
     }
-    const std::string application = std::string(directory.data()) + "\\cmd.exe";
+    const std::string application = std::string(directory.data(), length) + "\\cmd.exe";
     std::string commandLine = "/c " + command;
 
     PROCESS_INFORMATION process{};
@@ -123,7 +114,9 @@ std::optional<Child> start(const std::string& command, const std::atomic<bool>& 
     return child;
 }
 
-// Polls without sleeping: reading an empty pipe fails at once with ERROR_NO_DATA.
+// Reads until no process holds the write end any more, or until the flag is true. It polls, and an
+// empty pipe fails at once with ERROR_NO_DATA: a read that blocked would not see the flag. It does
+// not sleep in between, so that the output of a quick command is not kept waiting for a timer tick.
 std::string readUntilBroken(const Handle& readEnd, const std::atomic<bool>& stopFlag) {
     std::string output;
     std::array<char, kReadSize> buffer{};
@@ -151,12 +144,17 @@ Result runCommand(std::string command) {
                 return {false, {}};
             }
         });
+    // The future's destructor waits for the task. The flag ends the task before that, on every way
+    // out: waiting may throw, too.
+    const struct Stop {
+        std::atomic<bool>& flag;
+        ~Stop() { flag.exchange(true); }
+    } stop{*stopFlag};
     const auto deadline = std::chrono::steady_clock::now() + kTimeLimit;
     if (result.wait_until(deadline) == std::future_status::ready) {
         return result.get();
     }
-    stopFlag->exchange(true);
-    return {false, {}};  // the future's destructor waits until the task has read the flag
+    return {false, {}};
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the task owns its arguments
