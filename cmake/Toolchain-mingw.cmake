@@ -1,15 +1,6 @@
-# GCC for 64-bit Windows, with posix threads: the standard library's mutexes, threads and
-# futures need them. Programs run under Wine.
-set(CMAKE_SYSTEM_NAME Windows)
-set(CMAKE_SYSTEM_PROCESSOR x86_64)
-
-set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix) # GoogleTest asks for one
-set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
-set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
-
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-
-set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine)
+# GCC for 64-bit Windows with the older of its two C runtimes, msvcrt.dll. Debian has this compiler
+# with two kinds of threads: the standard library's mutexes, threads and futures need posix threads.
+set(mingw_target x86_64-w64-mingw32)
+set(mingw_threads -posix)
+set(mingw_package g++-mingw-w64-x86-64-posix)
+include(${CMAKE_CURRENT_LIST_DIR}/Mingw.cmake)
