@@ -16,12 +16,14 @@ namespace {
 using namespace tests;
 
 Tally* current = nullptr;
-bool refuses = false;
+EntryPoint entryPoint = EntryPoint::kReturnsProvider;
+
+[[noreturn]] void throwOnPurpose() { throw std::runtime_error("on purpose"); }
 
 void onWrite(const std::string& text) {
     current != nullptr ? --current->messages : 0;
     if (text == "throw") {
-        throw std::runtime_error("on purpose");
+        throwOnPurpose();
     }
     text == "block" ? Sleep(INFINITE) : void();
 }
@@ -60,13 +62,22 @@ extern "C" __declspec(dllexport) void logInModule(const wchar_t* plugin, std::ui
     LogMessage(getChannel("own"), level) << text;
 }
 
-extern "C" __declspec(dllexport) void prepareModule(Report newReport, bool isRefusing) {
+extern "C" __declspec(dllexport) void prepareModule(Report newReport, EntryPoint newEntryPoint) {
     report = newReport;
-    refuses = isRefusing;
+    entryPoint = newEntryPoint;
 }
 
+// Its author has left the noexcept out.
 extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider() {
-    return refuses ? nullptr : makeProvider("p").release();
+    switch (entryPoint) {
+        case EntryPoint::kReturnsProvider:
+            return makeProvider("p").release();
+        case EntryPoint::kReturnsNull:
+            return nullptr;
+        case EntryPoint::kThrows:
+            break;
+    }
+    throwOnPurpose();
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {

@@ -4,10 +4,13 @@
 #include <cstdint>
 #include <string_view>
 
-// Exported as prepareModule: events are reported to `report`, and the entry point of plug-ins
-// returns no provider if `isRefusing`. A sink never returns from writing "block".
+// What the entry point of plug-ins does.
+enum class EntryPoint { kReturnsProvider, kReturnsNull, kThrows };
+
+// Exported as prepareModule: events are reported to `report`, and the entry point does what is said
+// here. A sink never returns from writing "block".
 using Report = void (*)(std::string_view piece);
-using PrepareModule = void(Report report, bool isRefusing);
+using PrepareModule = void(Report report, EntryPoint entryPoint);
 
 // Exported as logInModule: loads the plug-in unless null, and logs to a channel "own" for which
 // only the plug-in has a sink.

@@ -15,10 +15,11 @@ const wchar_t* const kPlugin = L"LoggingPlugin.dll";
 const wchar_t* const kModule = L"LoggingModule.dll";
 
 // The plug-in stays loaded as long as the result lives.
-std::shared_ptr<HINSTANCE__> preparePlugin(Report whereTo = report, bool isRefusing = false) {
+std::shared_ptr<HINSTANCE__> preparePlugin(Report whereTo = report,
+                                           EntryPoint entryPoint = EntryPoint::kReturnsProvider) {
     events.clear();
     std::shared_ptr<HINSTANCE__> module(LoadLibraryW(kPlugin), FreeLibrary);
-    exportOf<PrepareModule>(module.get(), "prepareModule")(whereTo, isRefusing);
+    exportOf<PrepareModule>(module.get(), "prepareModule")(whereTo, entryPoint);
     return module;
 }
 
@@ -31,7 +32,7 @@ TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
           Row{L"no such \u00e9.dll", ERROR_MOD_NOT_FOUND,
               "Cannot load the plug-in library no such ?.dll"}}) {
         LogManager manager;
-        auto prepared = preparePlugin(report, true);
+        auto prepared = preparePlugin(report, EntryPoint::kReturnsNull);
         try {
             manager.loadPluginLibrary(path);
             ADD_FAILURE();
@@ -79,6 +80,12 @@ TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
     }
     // Released in its turn, but its code stays until the last sink is gone.
     EXPECT_EQ(takeEvents(), "pc:1text ~p FreeLibrary -pc FreeLibrary gone ");
+}
+
+TEST(LoggingPluginDeathTest, ExceptionOutOfTheEntryPointEndsTheProgram) {
+    const auto plugin = preparePlugin(report, EntryPoint::kThrows);
+    LogManager manager;
+    EXPECT_DEATH(manager.loadPluginLibrary(kPlugin), "");
 }
 
 HANDLE entered = nullptr;

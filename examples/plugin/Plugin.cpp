@@ -51,4 +51,7 @@ class Provider final : public LogSinkProvider {
 
 }  // namespace
 
-extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider() { return new Provider; }
+// With noexcept, an exception ends the program; it must not pass an extern "C" function.
+extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider() noexcept {
+    return new Provider;
+}

@@ -70,12 +70,12 @@ class LogSinkProvider {
 
 /// A plug-in library is a DLL that exports this function, built by the same compiler:
 ///
-///     extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider();
+///     extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider() noexcept;
 ///
 /// Called once, under the lock; null refuses to be loaded.
-/// Throws: nothing; an exception out of an extern "C" function is undefined.
+/// Throws: nothing; an exception ends the program.
 /// Ownership: the library takes the provider over.
-using CreateLogSinkProvider = LogSinkProvider*();
+using CreateLogSinkProvider = LogSinkProvider*() noexcept;
 constexpr const char* kPluginEntryPoint = "createLogSinkProvider";
 
 }  // namespace Quend::Framework::Logging
