@@ -1,7 +1,3 @@
-/// \file
-/// Owns one kernel handle and closes it. Null and INVALID_HANDLE_VALUE both mean empty.
-///
-/// Threading: one thread at a time.
 #pragma once
 
 #include <windows.h>
@@ -10,6 +6,8 @@
 
 namespace Quend::Framework::Command {
 
+/// Owns one kernel handle and closes it. Null and INVALID_HANDLE_VALUE both mean empty.
+/// Threading: one thread at a time.
 class Handle {
  public:
     Handle() = default;

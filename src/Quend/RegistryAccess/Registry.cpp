@@ -1,6 +1,7 @@
-// Invariants: a record exists exactly while at least one Registry points to it, and its count is
-// their number. Everything that may throw comes before the platform opens a key, so that every open
-// key has an owner. UTF-16 copies live no longer than the statement with the platform call.
+// Invariants: the count of a record is the number of objects that point to it, and the last of them
+// closes its key. Everything that may throw comes before the platform opens a key, so that every
+// open key has an owner. The UTF-16 copy of a name or text that was passed in is a temporary of the
+// statement that hands it to the platform: when an error is raised, it is gone.
 #include "Quend/RegistryAccess/Registry.h"
 
 #include <shlwapi.h>
@@ -13,6 +14,7 @@
 #include <source_location>
 #include <stdexcept>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "Quend/RegistryAccess/RegistryErrors.h"
@@ -31,24 +33,26 @@ struct Failure {
     const char* message;
 };
 struct Failures {
-    Failure onAccessDenied;  // 5, ERROR_ACCESS_DENIED
-    Failure onNoMoreItems;   // 259, ERROR_NO_MORE_ITEMS
-    Failure onOthers;        // any other but 0
+    Failure onAccessDenied{};          // 5, ERROR_ACCESS_DENIED
+    Failure onOthers{};                // any other but 0
+    Failure onNoMoreItems = onOthers;  // 259, ERROR_NO_MORE_ITEMS
 };
+
+constexpr const char* kCreationError = "Unable to create requested key.";
 
 template <typename Error>
 void raiseError(const char* message, std::int32_t line) {
-    throw Error(message, line);
+    if constexpr (std::is_same_v<Error, Registry::CreationError>) {
+        throw Error();  // which has its own message and line
+    } else {
+        throw Error(message, line);
+    }
 }
-void raiseCreationError(const char* /*message*/, std::int32_t /*line*/) {
-    throw Registry::CreationError();
-}
-constexpr const char* kCreationError = "Unable to create requested key.";
 
 constexpr auto accessDenied = raiseError<Registry::AccessDenied>;
 constexpr auto notFound = raiseError<Registry::NotFound>;
 constexpr auto openError = raiseError<Registry::OpenError>;
-constexpr auto creationError = raiseCreationError;
+constexpr auto creationError = raiseError<Registry::CreationError>;
 
 // The constructor's text has no full stop, unlike that of openSubKey. Reading and writing a value
 // give NotFound for 259 alone, which only a listing returns: for a value that does not exist the
@@ -56,44 +60,38 @@ constexpr auto creationError = raiseCreationError;
 constexpr Failures kConstructor = {
     {accessDenied, "Unable to open requested key"},
     {openError, "Unable to open requested key"},
-    {openError, "Unable to open requested key"},
 };
 constexpr Failures kReadValue = {
     // getIntValue, and getStringValue for each value it meets
     {accessDenied, "Not enough permissions to read value."},
-    {notFound, "The requested value was not found."},
     {openError, "Unable to open requested value."},
+    {notFound, "The requested value was not found."},
 };
 constexpr Failures kWriteValue = {
     // setStringValue, setIntValue
     {accessDenied, "Not enough permissions to modify value."},
-    {notFound, "The value to update was not found."},
     {openError, "Unable to open requested value."},
+    {notFound, "The value to update was not found."},
 };
 constexpr Failures kDeleteValue = {
     {accessDenied, "Not enough permissions to delete value."},
-    {notFound, "Unable to delete given value."},
     {notFound, "Unable to delete given value."},
 };
 constexpr Failures kDeleteSubKey = {
     {accessDenied, "Not enough permissions to delete sub key."},
     {notFound, "Unable to delete given key."},
-    {notFound, "Unable to delete given key."},
 };
 constexpr Failures kOpenSubKey = {
     {accessDenied, "Not enough permissions to read requested key."},
-    {openError, "Unable to open requested key."},
     {openError, "Unable to open requested key."},
 };
 constexpr Failures kCreateSubKey = {
     {accessDenied, "Not enough permissions to create requested key."},
     {creationError, kCreationError},
-    {creationError, kCreationError},
 };
 constexpr Failures kGetSubKeys = {
     {accessDenied, "Not enough permissions to read sub key enumeration."},
-    {nullptr, nullptr},  // the end of the list, handled before
-    {openError, "Unable to open enumerated sub key."},
+    {openError, "Unable to open enumerated sub key."},  // 259 ends the list, which is no failure
 };
 
 // An error names the line of the check, which is the line that calls one of these functions.
@@ -293,8 +291,7 @@ std::vector<Registry> Registry::getSubKeys() const {
             return subKeys;
         }
         requireSuccess(code, kGetSubKeys);
-        const Registry subKey = openSubKey(wstringToString(subKeyName));
-        subKeys.push_back(subKey);
+        subKeys.push_back(openSubKey(wstringToString(subKeyName)));
     }
 }
 

@@ -1,10 +1,3 @@
-/// \file
-/// What Registry throws: a family of its own, neither std::exception nor FrameworkException. Catch
-/// GenericRegistryError or one of its classes.
-///
-/// Throws: every constructor, std::bad_alloc.
-/// Threading: one thread at a time, since the first what() writes into the object.
-/// Ownership: each copy owns its texts.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +8,12 @@
 
 namespace Quend::RegistryAccess {
 
+/// The base of what Registry throws: a family of its own, neither std::exception nor
+/// FrameworkException. Catch this class or one of those below.
+///
+/// Throws: every constructor, std::bad_alloc.
+/// Threading: one thread at a time, since the first what() writes into the object.
+/// Ownership: each copy owns its texts.
 class Registry::GenericRegistryError {
  public:
     /// Copies the message, the place and the text of what(), if that was composed.
@@ -29,7 +28,8 @@ class Registry::GenericRegistryError {
 
  protected:
     /// `line` is that of the check that failed. `file` is the component's path without a suffix,
-    /// always the same: texts do not depend on how the code is spread over files.
+    /// always the same: texts do not depend on how the code is spread over files. The folders
+    /// repeat the namespace so that this path is true.
     GenericRegistryError(std::string message, std::int32_t line,
                          const char* file = "Quend/RegistryAccess/Registry");
 
