@@ -73,4 +73,8 @@ inline HMODULE LoadLibraryW(const wchar_t* path) {
     return dlopen(std::filesystem::path(path).c_str(), RTLD_NOW);
 }
 inline void* GetProcAddress(HMODULE module, const char* name) { return dlsym(module, name); }
+inline constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_PIN = 1;
+inline int GetModuleHandleExW(DWORD /*flags*/, const wchar_t* /*name*/, HMODULE* /*module*/) {
+    return 0;  // no such module
+}
 inline int FreeLibrary(HMODULE module) { return dlclose(module) == 0 ? 1 : 0; }

@@ -3,6 +3,8 @@
 // knows several subsystems.
 //
 // The property store is not here: it is created on first use and therefore destroyed first.
+#include <windows.h>
+
 #include <cstddef>
 #include <new>
 
@@ -12,6 +14,19 @@
 #include "logging/ProviderRegistry.h"
 
 namespace Quend::Framework {
+
+namespace {
+const struct KeepRuntimeLoaded {
+    // GCC's runtime leaks each time it is unloaded: 73 KB, and handles and a TLS index if it has
+    // thrown an exception or guarded a local static. A host that holds none of it would unload it
+    // along with this library, and be aborted after some thousand times; so it stays loaded.
+    // Without that runtime, as in a build by MSVC, there is no such module and nothing happens.
+    KeepRuntimeLoaded() {
+        HMODULE runtime = nullptr;
+        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN, L"libstdc++-6.dll", &runtime);
+    }
+} keepRuntimeLoaded;
+}  // namespace
 
 Management::MemoryManager::ObjectRegistry Management::MemoryManager::objectRegistry;
 

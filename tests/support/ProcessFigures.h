@@ -37,11 +37,15 @@ inline std::size_t heapBlocks() {
     return blocks;
 }
 
-// The TLS index that the next TlsAlloc gives; grows with each one leaked.
-inline DWORD nextTlsIndex() {
-    const DWORD index = TlsAlloc();
-    TlsFree(index);
-    return index;
+// The TLS indices that are left. Not the one that TlsAlloc gives next: while that one fills a gap,
+// any number above it may leak unseen.
+inline std::size_t freeTlsIndices() {
+    std::vector<DWORD> taken;
+    for (DWORD index = TlsAlloc(); index != TLS_OUT_OF_INDEXES; index = TlsAlloc()) {
+        taken.push_back(index);
+    }
+    std::for_each(taken.begin(), taken.end(), TlsFree);
+    return taken.size();
 }
 
 }  // namespace tests
