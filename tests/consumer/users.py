@@ -4,7 +4,8 @@
 package     packs BUILD and uses the zip as a stranger does: unpacks it, moves it, builds its
             examples as they stand, by CMake and by pkg-config, and runs them
 subproject  builds the library as a part of another project, and runs a program of that project
-pages       looks for every block of C++ and CMake on a page in a file that some test compiles
+pages       follows the links between the pages, looks for every block of C++ and CMake in a file
+            that some test compiles, and runs the blocks for a Linux shell as they stand
 """
 
 import os
@@ -14,6 +15,9 @@ import shlex
 import shutil
 import subprocess
 import sys
+
+sys.dont_write_bytecode = True  # nothing is written beside the sources
+from pages import check_blocks, dead_links, run_shell_blocks
 
 GREETING = "Trying to read unexistent property: height\n"  # of the first example
 TEST, root, build, CXX, NM, ADDR2LINE, TOOLCHAIN, *EMULATOR = sys.argv[1:]
@@ -54,9 +58,8 @@ def package():
     files = {file.relative_to(home).as_posix() for file in home.rglob("*") if file.is_file()}
     assert files - listed == {"SHA256SUMS"}, f"SHA256SUMS leaves out: {files - listed}"
 
-    for page in [*home.glob("*.md"), *home.glob("docs/*.md")]:
-        for link in re.findall(r"\]\(([^):#]+)", page.read_text()):
-            assert (page.parent / link).exists(), f"{page} has a dead link: {link}"
+    dead = [*dead_links(home)]
+    assert not dead, "The package has dead links:\n" + "\n".join(dead)
 
     # The examples, by CMake. Those of the first module once more from elsewhere, as its page says.
     build_project(home / "examples", WORK / "build")
@@ -100,11 +103,13 @@ def subproject():
 
 
 def pages():
-    sources = "".join(file.read_text() for file in (ROOT / "examples").rglob("*.*"))
-    blocks = [block for page in [*ROOT.glob("*.md"), *ROOT.glob("docs/**/*.md")]
-              for block in re.findall(r"\n```(?:cpp|cmake)\n(.*?)```", page.read_text(), re.S)]
-    missing = [block for block in blocks if block not in sources]
-    assert len(blocks) >= 10 and not missing, "No file has:\n" + "\n".join(missing)
+    check_blocks(ROOT)
+    dead = [*dead_links(ROOT)]
+    assert not dead, "Dead links:\n" + "\n".join(dead)
+    run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", WORK / "packed")
+    package_zip, = [file for file in WORK.glob("packed/*.zip") if "debug" not in file.stem]
+    if "-msvcrt" in package_zip.stem:  # the commands of the pages are for this one
+        run_shell_blocks(ROOT, package_zip, WORK / "read", EMULATOR)
 
 
 shutil.rmtree(WORK, ignore_errors=True)
