@@ -1,19 +1,22 @@
 // The child of the command runner's tests. Does what its arguments say, one after the other:
 //   say TEXT      writes it to standard output
 //   bytes N       writes N bytes there: 0 to 250, so that a lost block of 128 or 256 would show
-//   await NAME    sets the event hereNAME and waits for goNAME; ends after five minutes, when the
-//                 test is dead
+//   await NAME    sets the event arrivedNAME and waits for goOnNAME; after five minutes the test is
+//                 dead, and it goes on
 //   leave ...     starts another of this program to do the rest, and ends; without the console,
 //                 as under Wine a console's host inherits the output and holds it open
 #include <windows.h>
 
 #include <cstdio>
-#include <cstring>
 #include <string>
 
 namespace {
 
-void leave(std::string commandLine) {
+// Starts this program again for the steps behind "leave" on its command line.
+void leave() {
+    const std::string step = "leave";
+    const std::string ours = GetCommandLineA();
+    std::string commandLine = "CommandChild" + ours.substr(ours.find(step) + step.size());
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -37,10 +40,12 @@ int main(int argc, char** argv) {
             }
         } else if (step == "await") {
             std::fflush(stdout);
-            SetEvent(OpenEventA(EVENT_MODIFY_STATE, FALSE, ("here" + value).c_str()));
-            WaitForSingleObject(OpenEventA(SYNCHRONIZE, FALSE, ("go" + value).c_str()), 300'000);
+            HANDLE arrived = OpenEventA(EVENT_MODIFY_STATE, FALSE, ("arrived" + value).c_str());
+            HANDLE goOn = OpenEventA(SYNCHRONIZE, FALSE, ("goOn" + value).c_str());
+            SetEvent(arrived);
+            WaitForSingleObject(goOn, 300'000);
         } else if (step == "leave") {
-            leave("CommandChild" + std::string(std::strstr(GetCommandLineA(), "leave") + 5));
+            leave();
             break;
         }
     }

@@ -1,13 +1,13 @@
-#include "support/Test.h"
+#include "command/CommandRunner.h"
 
 #include <chrono>
 #include <filesystem>
 
-#include "command/CommandRunner.h"
 #include "command/Handle.h"
 #include "support/Allocations.h"
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -15,6 +15,16 @@ using namespace Quend::Framework::Command;
 using namespace std::chrono_literals;
 using Result = std::tuple<bool, std::string>;
 using Flag = std::shared_ptr<std::atomic<bool>>;
+
+const Result kFailed = {false, ""};
+Result wrote(const std::string& output) { return {true, output}; }
+
+Flag makeFlag(bool isSet = false) { return std::make_shared<std::atomic<bool>>(isSet); }
+
+Handle makeEvent(const std::string& name = "") {
+    return Handle(CreateEventA(nullptr, TRUE, FALSE, name.empty() ? nullptr : name.c_str()));
+}
+void await(const Handle& event) { WaitForSingleObject(event.get(), INFINITE); }
 
 // Commands find CommandChild in the working directory.
 struct CommandRunner : testing::Test {
@@ -25,34 +35,476 @@ struct CommandRunner : testing::Test {
     }
 };
 
-Result failed() { return {false, ""}; }
-Result wrote(const std::string& output) { return {true, output}; }
+TEST_F(CommandRunner, RunsACommandAndReturnsWhatItPrints) {
+    const auto [isStarted, output] = runCommand("echo Hello");
+    EXPECT_TRUE(isStarted);
+    EXPECT_EQ(output, "Hello\n");  // without the carriage return of the interpreter
 
-Flag flag(bool isSet = false) { return std::make_shared<std::atomic<bool>>(isSet); }
+    // Several commands, as on one line of a batch file.
+    EXPECT_EQ(runCommand("echo apples&echo pears"), wrote("apples\npears\n"));
 
-// As "CommandChild bytes SIZE".
+    // A file in the working directory of this process.
+    EXPECT_EQ(runCommand("echo bread>shopping.txt"), wrote(""));
+    EXPECT_EQ(runCommand("type shopping.txt"), wrote("bread\n"));
+    EXPECT_EQ(runCommand("del shopping.txt"), wrote(""));
+
+    // The interpreter complains on its standard error. The complaint and the exit code are dropped.
+    EXPECT_EQ(runCommand("there-is-no-such-command"), wrote(""));
+    EXPECT_EQ(runCommand("exit 1"), wrote(""));
+}
+
+// Lets a test hold a CommandChild: at this step of its command line the child sets `arrived` and
+// waits until `goOn` is set.
+struct Stop {
+    static inline int made = 0;
+    const std::string name = std::to_string(GetCurrentProcessId()) + "." + std::to_string(++made);
+    const std::string step = " await " + name;
+    const Handle arrived = makeEvent("arrived" + name);
+    const Handle goOn = makeEvent("goOn" + name);
+};
+
+// What "CommandChild bytes SIZE" writes, without its carriage returns.
 Result wroteBytes(std::size_t size) {
     std::string output;
     for (std::size_t i = 0; i < size; ++i) {
-        output += i % 251 == '\r' ? "" : std::string(1, static_cast<char>(i % 251));
+        const auto byte = static_cast<char>(i % 251);
+        if (byte != '\r') {
+            output += byte;
+        }
     }
     return {true, output};
 }
 
-Handle makeEvent(const char* name = nullptr) {
-    return Handle(CreateEventA(nullptr, TRUE, FALSE, name));
+// All at once: each gets its own output.
+TEST_F(CommandRunner, ReturnsWhatTheInterpreterAndItsChildrenWrite) {
+    const Stop stop;
+    const struct {
+        std::string command;
+        Result result;
+    } cases[] = {
+        {.command = "", .result = wrote("")},
+        {.command = "CommandChild bytes 200000", .result = wroteBytes(200'000)},
+        {.command = "CommandChild bytes 90000", .result = wroteBytes(90'000)},
+        {.command = R"(""CommandChild" say "a b"")", .result = wrote("a b")},
+        {.command = "echo error 1>&2&CommandChild say x", .result = wrote("x")},
+        {.command = std::string("echo a\0b", 8), .result = wrote("a\n")},
+        {.command = "echo " + std::string(7995, 'x'),
+         .result = wrote(std::string(7995, 'x') + '\n')},
+        {.command = "echo " + std::string(33'000, 'x'), .result = kFailed},
+        // A child that outlives the interpreter holds the output, which ends with its last holder.
+        {.command = "CommandChild leave say a" + stop.step + " say b", .result = wrote("ab")},
+    };
+    std::vector<std::future<Result>> results;
+    for (const auto& each : cases) {
+        results.push_back(std::async(std::launch::async, runCommand, each.command));
+    }
+    await(stop.arrived);
+    SetEvent(stop.goOn.get());
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        // Not EXPECT_EQ, which would print all of a long output.
+        EXPECT_TRUE(results[i].get() == cases[i].result) << cases[i].command.substr(0, 100);
+    }
 }
 
-void await(const Handle& event) { WaitForSingleObject(event.get(), INFINITE); }
+// The second child blocks in its standard error until then.
+TEST_F(CommandRunner, GivesUpAfterSixtySeconds) {
+    const Stop stop;
+    const std::string command =
+        "CommandChild say lost&CommandChild bytes 100000 1>&2&CommandChild" + stop.step;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(runCommand(command), kFailed);
+    const auto taken = std::chrono::steady_clock::now() - start;
+    await(stop.arrived);  // the child was neither killed nor waited for
+    SetEvent(stop.goOn.get());
+    EXPECT_GE(taken, 60s);
+    EXPECT_LT(taken, 75s);  // all but the minute is the start of one process
+}
 
-// Two events, for a child that sets one, waits for the other and then does the rest.
-struct Leash {
-    static inline int made = 0;
-    const std::string name = std::to_string(GetCurrentProcessId()) + "." + std::to_string(++made);
-    const std::string step = " await " + name;
-    const Handle here = makeEvent(("here" + name).c_str());
-    const Handle go = makeEvent(("go" + name).c_str());
+// The tests below look at the calls to Windows: Windows may refuse what Wine accepts. Where
+// CreateProcessA is replaced there is no child, and the output ends at once.
+
+TEST_F(CommandRunner, StartsTheInterpreterOfTheSystemWithoutAWindow) {
+    std::string systemDirectory(MAX_PATH, '\0');
+    systemDirectory.resize(GetSystemDirectoryA(systemDirectory.data(), MAX_PATH));
+    int started = 0;
+    const tests::Hook createProcess(
+        "CreateProcessA", CreateProcessA,
+        [&](auto, const char* application, const char* commandLine, auto* processSecurity,
+            auto* threadSecurity, BOOL inheritsHandles, DWORD flags, void* environment,
+            const char* directory, STARTUPINFOA* startup, auto*) {
+            ++started;
+            EXPECT_EQ(application, systemDirectory + "\\cmd.exe");
+            EXPECT_STREQ(commandLine, R"(/c echo "x")");
+            EXPECT_EQ(processSecurity, nullptr);
+            EXPECT_EQ(threadSecurity, nullptr);
+            EXPECT_TRUE(inheritsHandles);
+            EXPECT_EQ(flags, DWORD{CREATE_NO_WINDOW});
+            EXPECT_EQ(environment, nullptr);
+            EXPECT_EQ(directory, nullptr);
+            EXPECT_EQ(startup->cb, sizeof(STARTUPINFOA));
+            EXPECT_EQ(startup->dwFlags, DWORD{STARTF_USESTDHANDLES});
+            EXPECT_EQ(startup->hStdInput, nullptr);
+            EXPECT_EQ(startup->lpReserved, nullptr);
+            EXPECT_EQ(startup->lpReserved2, nullptr);
+            EXPECT_EQ(startup->lpDesktop, nullptr);
+            EXPECT_EQ(startup->lpTitle, nullptr);
+            return TRUE;
+        });
+    EXPECT_EQ(executeCommand(R"(echo "x")", makeFlag()), wrote(""));
+    EXPECT_EQ(started, 1);
+}
+
+TEST_F(CommandRunner, LetsTheChildInheritTheWriteEndsAlone) {
+    struct Pipe {
+        HANDLE readEnd;
+        HANDLE writeEnd;
+    };
+    std::vector<Pipe> pipes;
+    const tests::Hook createPipe("CreatePipe", CreatePipe,
+                                 [&](auto real, HANDLE* readEnd, HANDLE* writeEnd,
+                                     SECURITY_ATTRIBUTES* security, DWORD size) {
+                                     EXPECT_EQ(security->nLength, sizeof(SECURITY_ATTRIBUTES));
+                                     EXPECT_EQ(security->lpSecurityDescriptor, nullptr);
+                                     EXPECT_EQ(size, 0U);
+                                     const BOOL isMade = real(readEnd, writeEnd, security, size);
+                                     pipes.push_back({.readEnd = *readEnd, .writeEnd = *writeEnd});
+                                     return isMade;
+                                 });
+    const tests::Hook createProcess(
+        "CreateProcessA", CreateProcessA,
+        [&](auto, auto*, auto*, auto*, auto*, BOOL, DWORD, void*, auto*, STARTUPINFOA* startup,
+            auto*) {
+            EXPECT_EQ(pipes.size(), 2U);
+            EXPECT_EQ(startup->hStdError, pipes.front().writeEnd);
+            EXPECT_EQ(startup->hStdOutput, pipes.back().writeEnd);
+            for (const Pipe& pipe : pipes) {
+                DWORD flags = 0;
+                EXPECT_TRUE(GetHandleInformation(pipe.writeEnd, &flags));
+                EXPECT_EQ(flags, DWORD{HANDLE_FLAG_INHERIT});
+                EXPECT_TRUE(GetHandleInformation(pipe.readEnd, &flags));
+                EXPECT_EQ(flags, 0U);
+                DWORD mode = 0;
+                GetNamedPipeHandleStateA(pipe.readEnd, &mode, nullptr, nullptr, nullptr, nullptr,
+                                         0);
+                EXPECT_EQ(mode, DWORD{PIPE_NOWAIT});
+            }
+            return TRUE;
+        });
+    EXPECT_EQ(executeCommand("echo x", makeFlag()), wrote(""));
+}
+
+// Only the broken pipe, with nothing read, is the end of the output.
+TEST_F(CommandRunner, ReadsUntilThePipeIsBroken) {
+    const struct Answer {
+        BOOL isRead;
+        std::string text;
+        DWORD error;
+    } answers[] = {
+        {.isRead = TRUE, .text = "a", .error = ERROR_SUCCESS},
+        {.isRead = TRUE, .text = "", .error = ERROR_SUCCESS},  // a child may write nothing
+        {.isRead = TRUE, .text = "", .error = ERROR_BROKEN_PIPE},
+        {.isRead = FALSE, .text = "", .error = ERROR_NO_DATA},
+        {.isRead = FALSE, .text = "", .error = ERROR_ACCESS_DENIED},
+        {.isRead = FALSE, .text = "\rb", .error = ERROR_BROKEN_PIPE},
+        {.isRead = FALSE, .text = "c\r", .error = ERROR_MORE_DATA},
+        {.isRead = FALSE, .text = "", .error = ERROR_BROKEN_PIPE},
+    };
+    const tests::Hook process("CreateProcessA", CreateProcessA, [](auto...) { return TRUE; });
+    std::size_t reads = 0;
+    const tests::Hook read("ReadFile", ReadFile,
+                           [&](auto, HANDLE, void* buffer, DWORD size, DWORD* count, auto*) {
+                               EXPECT_EQ(size, 128U);
+                               const Answer& answer = answers[reads];
+                               ++reads;
+                               answer.text.copy(static_cast<char*>(buffer), size);
+                               *count = static_cast<DWORD>(answer.text.size());
+                               SetLastError(answer.error);
+                               return answer.isRead;
+                           });
+    const tests::Hook sleep("Sleep", Sleep, [](auto, DWORD) {
+        ADD_FAILURE() << "nothing to wait for: the output is polled";
+    });
+    EXPECT_EQ(executeCommand("echo x", makeFlag()), wrote("abc"));
+    EXPECT_EQ(reads, std::size(answers));
+}
+
+TEST_F(CommandRunner, StopsReadingOnceItsFlagIsTrue) {
+    const tests::Hook process("CreateProcessA", CreateProcessA, [](auto...) { return TRUE; });
+    const Flag stopFlag = makeFlag();
+    int reads = 0;
+    const tests::Hook read("ReadFile", ReadFile,
+                           [&](auto, HANDLE, void* buffer, DWORD, DWORD* count, auto*) {
+                               *static_cast<char*>(buffer) = 'x';
+                               *count = 1;
+                               ++reads;
+                               if (reads == 3) {
+                                   *stopFlag = true;
+                               }
+                               return TRUE;
+                           });
+    EXPECT_EQ(executeCommand("echo x", stopFlag), wrote("xxx"));
+    EXPECT_EQ(executeCommand("echo x", stopFlag), wrote("")) << "started, but not read";
+    EXPECT_EQ(reads, 3);
+}
+
+// Windows writes nothing into a buffer that is too small, and answers with the size it needs. The
+// program would be "\cmd.exe" then, in the root of the drive.
+TEST_F(CommandRunner, StartsNothingWithoutTheDirectoryOfTheInterpreter) {
+    int started = 0;
+    const tests::Hook process("CreateProcessA", CreateProcessA, [&](auto...) {
+        ++started;
+        return TRUE;
+    });
+    for (const UINT answer : {0U, 4096U, 4097U}) {
+        const tests::Hook directory("GetSystemDirectoryA", GetSystemDirectoryA,
+                                    [&](auto...) { return answer; });
+        EXPECT_EQ(executeCommand("echo x", makeFlag()), kFailed) << answer;
+    }
+    EXPECT_EQ(started, 0);
+}
+
+// A command makes eight calls before it reads.
+TEST_F(CommandRunner, FailingPlatformCallsLeaveNothingBehind) {
+    int calls = 0;
+    int failing = 0;
+    const auto failOne = [&](auto real, auto... arguments) -> decltype(real(arguments...)) {
+        ++calls;
+        if (calls == failing) {
+            return 0;
+        }
+        return real(arguments...);
+    };
+    const tests::Hook pipe("CreatePipe", CreatePipe, failOne);
+    const tests::Hook keep("SetHandleInformation", SetHandleInformation, failOne);
+    const tests::Hook state("SetNamedPipeHandleState", SetNamedPipeHandleState, failOne);
+    const tests::Hook directory("GetSystemDirectoryA", GetSystemDirectoryA, failOne);
+    const tests::Hook process("CreateProcessA", CreateProcessA, failOne);
+
+    EXPECT_EQ(executeCommand("echo x", makeFlag()), wrote("x\n"));
+    EXPECT_EQ(calls, 8);
+    const std::size_t handlesBefore = tests::handleCount();
+    const long blocksBefore = tests::liveBlocks;
+    for (failing = 1; failing <= 8; ++failing) {
+        calls = 0;
+        EXPECT_EQ(executeCommand("echo x", makeFlag()), kFailed) << failing;
+        EXPECT_EQ(calls, failing) << "went on after a failure";
+        EXPECT_EQ(tests::handleCount(), handlesBefore) << failing;
+        EXPECT_EQ(tests::liveBlocks, blocksBefore) << failing;
+    }
+    failing = 0;
+    EXPECT_EQ(executeCommand("echo x", makeFlag()), wrote("x\n"));
+    EXPECT_EQ(tests::handleCount(), handlesBefore);
+}
+
+// The child is this very process, which writes its output and closes nothing.
+TEST_F(CommandRunner, FailedAllocationLeavesNoHandleOpen) {
+    const std::string output(300, 'x');
+    const tests::Hook createProcess(
+        "CreateProcessA", CreateProcessA,
+        [&](auto, auto*, auto*, auto*, auto*, BOOL, DWORD, void*, auto*, STARTUPINFOA* startup,
+            PROCESS_INFORMATION* child) {
+            child->hProcess = OpenProcess(SYNCHRONIZE, FALSE, GetCurrentProcessId());
+            child->hThread = OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId());
+            DWORD written = 0;
+            return WriteFile(startup->hStdOutput, output.data(), 300, &written, nullptr);
+        });
+    tests::failEachAllocation([&](long, auto fail) {
+        const std::size_t before = tests::handleCount();
+        const std::string command = "a command too long to be kept without an allocation";
+        const Flag stopFlag = makeFlag();
+        Result result;
+        const bool hasFailed = fail([&] { result = executeCommand(command, stopFlag); });
+        if (!hasFailed) {
+            EXPECT_EQ(result, wrote(output));
+        }
+        EXPECT_EQ(tests::handleCount(), before);
+    });
+}
+
+TEST_F(CommandRunner, AnExceptionInTheBackgroundIsAFailure) {
+    std::optional<tests::AllocationFault> fault;
+    const tests::Hook pipe("CreatePipe", CreatePipe, [&](auto real, auto... arguments) {
+        fault.emplace(1, true);  // on the background thread
+        return real(arguments...);
+    });
+    EXPECT_EQ(runCommand("echo x"), kFailed);
+    EXPECT_TRUE(tests::AllocationFault::happened());
+}
+
+#ifndef _MSC_VER  // whose future waits without memory
+// The first wait for a future allocates its lock. There is no end of the output when that fails.
+TEST_F(CommandRunner, StopsReadingWhenTheWaitForItFails) {
+    const tests::Hook process("CreateProcessA", CreateProcessA, [](auto...) { return TRUE; });
+    const DWORD caller = GetCurrentThreadId();
+    bool isThreadMade = false;
+    const tests::Hook thread("_beginthreadex", _beginthreadex, [&](auto real, auto... arguments) {
+        const auto made = real(arguments...);
+        isThreadMade = true;
+        return made;
+    });
+    bool hasFailed = false;
+    const tests::Hook memory("malloc", std::malloc, [&](auto real, std::size_t size) -> void* {
+        if (GetCurrentThreadId() == caller && isThreadMade && !hasFailed) {
+            hasFailed = true;
+            return nullptr;
+        }
+        return real(size);
+    });
+    const auto tooLate = std::chrono::steady_clock::now() + 20s;
+    std::atomic<bool> isTooLate = false;
+    const tests::Hook read("ReadFile", ReadFile, [&](auto...) {
+        isTooLate = std::chrono::steady_clock::now() > tooLate;
+        SetLastError(isTooLate ? ERROR_BROKEN_PIPE : ERROR_NO_DATA);
+        return FALSE;
+    });
+    EXPECT_THROW(runCommand("echo x"), std::system_error);
+    EXPECT_TRUE(hasFailed);
+    EXPECT_FALSE(isTooLate) << "the caller waited for the end of the output";
+}
+#endif
+
+// In place of CreateProcessA: the first call is held, and with it the turn to start.
+struct HeldStart {
+    const Handle isHeld = makeEvent();
+    const Handle goOn = makeEvent();
+    std::atomic<int> calls = 0;
+
+    BOOL createProcess() {
+        ++calls;
+        if (calls == 1) {
+            SetEvent(isHeld.get());
+            await(goOn);
+        }
+        return TRUE;
+    }
 };
+
+// One that started between the pipes and the process of another would inherit its write ends.
+TEST_F(CommandRunner, WaitsUntilAnotherHasStarted) {
+    HeldStart start;
+    const tests::Hook process("CreateProcessA", CreateProcessA,
+                              [&](auto...) { return start.createProcess(); });
+    std::vector<HANDLE> writeEnds;
+    const tests::Hook createPipe(
+        "CreatePipe", CreatePipe,
+        [&](auto real, HANDLE* readEnd, HANDLE* writeEnd, auto* security, DWORD size) {
+            if (writeEnds.size() == 2) {  // the second command begins
+                DWORD flags = 0;
+                EXPECT_FALSE(GetHandleInformation(writeEnds[0], &flags)) << "still open";
+                EXPECT_FALSE(GetHandleInformation(writeEnds[1], &flags)) << "still open";
+            }
+            const BOOL isMade = real(readEnd, writeEnd, security, size);
+            writeEnds.push_back(*writeEnd);
+            return isMade;
+        });
+    auto first = std::async(std::launch::async, executeCommand, "", makeFlag());
+    await(start.isHeld);
+    const tests::Hook sleep("Sleep", Sleep, [&](auto real, DWORD milliseconds) {
+        SetEvent(start.goOn.get());
+        real(milliseconds);
+    });
+    EXPECT_EQ(executeCommand("", makeFlag()), wrote(""));
+    EXPECT_EQ(first.get(), wrote(""));
+    EXPECT_EQ(start.calls, 2);
+    EXPECT_EQ(writeEnds.size(), 4U);
+}
+
+TEST_F(CommandRunner, GivesUpWaitingForAnotherAtItsFlag) {
+    HeldStart start;
+    const tests::Hook process("CreateProcessA", CreateProcessA,
+                              [&](auto...) { return start.createProcess(); });
+    auto first = std::async(std::launch::async, executeCommand, "", makeFlag());
+    await(start.isHeld);
+    int pipes = 0;
+    const tests::Hook createPipe("CreatePipe", CreatePipe, [&](auto real, auto... arguments) {
+        ++pipes;
+        return real(arguments...);
+    });
+    const Flag stopFlag = makeFlag();
+    const tests::Hook sleep("Sleep", Sleep, [&](auto, DWORD) { *stopFlag = true; });
+    EXPECT_EQ(executeCommand("", stopFlag), kFailed);
+    EXPECT_EQ(executeCommand("", stopFlag), kFailed) << "the flag was true before it waited";
+    EXPECT_EQ(pipes, 0) << "it prepared to start";
+    SetEvent(start.goOn.get());
+    EXPECT_EQ(first.get(), wrote(""));
+}
+
+// A flag that runs `afterRead` on the thread that reads it first, right behind that read. Windows
+// reports the first access to a guarded page, and the trap flag stops the thread one step later.
+class WatchedFlag {
+ public:
+    explicit WatchedFlag(std::function<void(std::atomic<bool>& flag)> action)
+        : page(VirtualAlloc(nullptr, sizeof(Value), MEM_COMMIT, PAGE_READWRITE)),
+          value(new (page) Value(false)),
+          afterRead(std::move(action)),
+          handler(AddVectoredExceptionHandler(1, &onException)) {
+        current = this;
+        DWORD before = 0;
+        VirtualProtect(page, sizeof(Value), PAGE_READWRITE | PAGE_GUARD, &before);
+    }
+    ~WatchedFlag() {
+        RemoveVectoredExceptionHandler(handler);
+        VirtualFree(page, 0, MEM_RELEASE);
+    }
+    WatchedFlag(WatchedFlag&&) = delete;
+
+    Flag share() const {
+        return {value, [](Value*) {}};
+    }
+
+ private:
+    using Value = std::atomic<bool>;
+
+    static LONG CALLBACK onException(EXCEPTION_POINTERS* exception) {
+        const DWORD code = exception->ExceptionRecord->ExceptionCode;
+        if (code == STATUS_GUARD_PAGE_VIOLATION) {
+            exception->ContextRecord->EFlags |= 0x100;  // the processor's trap flag
+            return EXCEPTION_CONTINUE_EXECUTION;
+        }
+        if (code == STATUS_SINGLE_STEP) {
+            current->afterRead(*current->value);
+            return EXCEPTION_CONTINUE_EXECUTION;
+        }
+        return EXCEPTION_CONTINUE_SEARCH;
+    }
+
+    static inline WatchedFlag* current = nullptr;
+    void* page;
+    Value* value;
+    std::function<void(Value&)> afterRead;
+    void* handler;
+};
+
+// The waiting command has just read that its flag is false. Before it goes on, the flag becomes
+// true, and only then does the other command give up the turn.
+TEST_F(CommandRunner, StartsNothingIfItsFlagWasTrueBeforeItsTurn) {
+    HeldStart start;
+    const tests::Hook process("CreateProcessA", CreateProcessA,
+                              [&](auto...) { return start.createProcess(); });
+    auto first = std::async(std::launch::async, executeCommand, "", makeFlag());
+    await(start.isHeld);
+    int watched = 0;
+    const WatchedFlag stopFlag([&](std::atomic<bool>& flag) {
+        ++watched;
+        flag = true;
+        SetEvent(start.goOn.get());
+        first.wait();
+    });
+    EXPECT_EQ(executeCommand("", stopFlag.share()), kFailed);
+    EXPECT_EQ(watched, 1);
+    EXPECT_EQ(start.calls, 1) << "a second process";
+}
+
+// Microsoft's pages disagree about the rights of the handles that CreatePipe gives.
+TEST(CommandRunnerPlatform, TheReadEndOfAPipeCanBeMadeNonBlocking) {
+    HANDLE ends[2];
+    ASSERT_TRUE(CreatePipe(&ends[0], &ends[1], nullptr, 0));
+    const Handle owners[] = {Handle(ends[0]), Handle(ends[1])};
+    DWORD mode = PIPE_NOWAIT;
+    EXPECT_TRUE(SetNamedPipeHandleState(ends[0], &mode, nullptr, nullptr))
+        << "Windows refuses PIPE_NOWAIT for the read end of CreatePipe with error "
+        << GetLastError() << ", so no command can be run";
+}
 
 TEST(Handle, HasOneOwner) {
     EXPECT_EQ(Handle().get(), nullptr);
@@ -68,334 +520,6 @@ TEST(Handle, HasOneOwner) {
         EXPECT_EQ(tests::handleCount(), before + 1);
     }
     EXPECT_EQ(tests::handleCount(), before);
-}
-
-// Microsoft's pages disagree about the rights of the handles that CreatePipe gives.
-TEST(CommandRunnerPlatform, TheReadEndOfAPipeCanBeMadeNonBlocking) {
-    HANDLE ends[2];
-    ASSERT_TRUE(CreatePipe(&ends[0], &ends[1], nullptr, 0));
-    const Handle owners[] = {Handle(ends[0]), Handle(ends[1])};
-    DWORD mode = PIPE_NOWAIT;
-    EXPECT_TRUE(SetNamedPipeHandleState(ends[0], &mode, nullptr, nullptr))
-        << "Windows refuses PIPE_NOWAIT for the read end of CreatePipe with error "
-        << GetLastError() << ", so no command can be run";
-}
-
-// All at once: each gets its own output. One leaves a child behind that outlives the interpreter,
-// which holds the output while it waits for its command; the output ends with its last holder.
-TEST_F(CommandRunner, ReturnsWhatTheInterpreterAndItsChildrenWrite) {
-    const Leash leash;
-    const std::pair<std::string, Result> cases[] = {
-        {"CommandChild bytes 200000", wroteBytes(200'000)},
-        {"CommandChild bytes 90000", wroteBytes(90'000)},
-        {"echo a&echo b", wrote("a\nb\n")},
-        {R"(""CommandChild" say "a b"")", wrote("a b")},
-        {"CommandChild leave say a" + leash.step + " say b", wrote("ab")},
-        {"echo error 1>&2&CommandChild say x", wrote("x")},
-        {"", wrote("")},
-        {"there-is-no-such-command", wrote("")},
-        {"echo " + std::string(7995, 'x'), wrote(std::string(7995, 'x') + '\n')},
-        {"echo " + std::string(33'000, 'x'), failed()},
-        {std::string("echo a\0b", 8), wrote("a\n")},
-    };
-    std::vector<std::future<Result>> results;
-    for (const auto& [command, result] : cases) {
-        results.push_back(std::async(std::launch::async, runCommand, command));
-    }
-    await(leash.here);
-    SetEvent(leash.go.get());
-    for (std::size_t i = 0; i < results.size(); ++i) {
-        // Not EXPECT_EQ, which would print all of a long output.
-        EXPECT_TRUE(results[i].get() == cases[i].second) << cases[i].first.substr(0, 100);
-    }
-}
-
-// What Windows may refuse although Wine accepts it, and what no output shows. Only the broken pipe,
-// with nothing read, is the end of the output, or else the flag.
-TEST_F(CommandRunner, AsksWindowsForExactlyThis) {
-    std::string systemDirectory(MAX_PATH, '\0');
-    systemDirectory.resize(GetSystemDirectoryA(systemDirectory.data(), MAX_PATH));
-    std::vector<HANDLE> readEnds;
-    const tests::Hook createPipe(
-        "CreatePipe", CreatePipe,
-        [&](auto real, HANDLE* readEnd, auto writeEnd, SECURITY_ATTRIBUTES* security, DWORD size) {
-            EXPECT_EQ(security->nLength, sizeof(SECURITY_ATTRIBUTES));
-            EXPECT_TRUE(security->lpSecurityDescriptor == nullptr && size == 0);
-            const BOOL isMade = real(readEnd, writeEnd, security, size);
-            readEnds.push_back(*readEnd);
-            return isMade;
-        });
-    const tests::Hook createProcess(
-        "CreateProcessA", CreateProcessA,
-        [&](auto, const char* application, const char* command, auto, auto, auto, DWORD flags,
-            void* environment, const char* directory, STARTUPINFOA* startup, auto) {
-            EXPECT_EQ(application, systemDirectory + "\\cmd.exe");
-            EXPECT_STREQ(command, R"(/c echo "x")");
-            EXPECT_EQ(flags, DWORD{CREATE_NO_WINDOW});
-            EXPECT_TRUE(environment == nullptr && directory == nullptr);
-            EXPECT_EQ(startup->cb, sizeof(STARTUPINFOA));
-            EXPECT_EQ(startup->dwFlags, DWORD{STARTF_USESTDHANDLES});
-            EXPECT_TRUE(startup->hStdInput == nullptr && startup->hStdError != nullptr);
-            EXPECT_TRUE(startup->lpReserved == nullptr && startup->lpReserved2 == nullptr);
-            EXPECT_TRUE(startup->lpDesktop == nullptr && startup->lpTitle == nullptr);
-            for (HANDLE readEnd : readEnds) {
-                DWORD inherited = 1;
-                DWORD mode = 0;
-                EXPECT_TRUE(GetHandleInformation(readEnd, &inherited) && inherited == 0);
-                GetNamedPipeHandleStateA(readEnd, &mode, nullptr, nullptr, nullptr, nullptr, 0);
-                EXPECT_EQ(mode, DWORD{PIPE_NOWAIT});
-            }
-            return TRUE;
-        });
-    const std::vector<std::tuple<BOOL, std::string, DWORD>> answers = {
-        {TRUE, "a", 0},
-        {TRUE, "", 0},  // a child that writes nothing is no end
-        {TRUE, "", ERROR_BROKEN_PIPE},
-        {FALSE, "", ERROR_NO_DATA},
-        {FALSE, "", ERROR_ACCESS_DENIED},
-        {FALSE, "\rb", ERROR_BROKEN_PIPE},
-        {FALSE, "c\r", ERROR_MORE_DATA},
-        {FALSE, "", ERROR_BROKEN_PIPE},
-    };
-    std::size_t reads = 0;
-    std::size_t readsToStop = 0;
-    const Flag stopFlag = flag();
-    const tests::Hook read("ReadFile", ReadFile,
-                           [&](auto, HANDLE, void* buffer, DWORD size, DWORD* count, auto) {
-                               EXPECT_EQ(size, 128U);
-                               const auto& [isRead, text, error] = answers.at(reads++);
-                               text.copy(static_cast<char*>(buffer), text.size());
-                               *count = static_cast<DWORD>(text.size());
-                               *stopFlag = reads == readsToStop;
-                               SetLastError(error);
-                               return isRead;
-                           });
-    const tests::Hook sleep("Sleep", Sleep, [](auto, auto) {
-        ADD_FAILURE() << "nothing to wait for: the output is polled";
-    });
-    EXPECT_EQ(executeCommand(R"(echo "x")", stopFlag), wrote("abc"));
-    EXPECT_EQ(std::exchange(reads, 0), answers.size());
-    readEnds.clear();
-    readsToStop = 6;
-    EXPECT_EQ(executeCommand(R"(echo "x")", stopFlag), wrote("ab"));
-    EXPECT_EQ(reads, readsToStop);
-    EXPECT_EQ(readEnds.size(), 2U);
-}
-
-// The preparation is eight calls.
-TEST_F(CommandRunner, FailingPlatformCallsLeaveNothingBehind) {
-    int calls = 0;
-    int failing = 0;
-    const auto fail = [&](auto real, auto... arguments) {
-        return ++calls == failing ? decltype(real(arguments...)){} : real(arguments...);
-    };
-    const tests::Hook pipe("CreatePipe", CreatePipe, fail);
-    const tests::Hook keep("SetHandleInformation", SetHandleInformation, fail);
-    const tests::Hook state("SetNamedPipeHandleState", SetNamedPipeHandleState, fail);
-    const tests::Hook directory("GetSystemDirectoryA", GetSystemDirectoryA, fail);
-    const tests::Hook process("CreateProcessA", CreateProcessA, fail);
-    EXPECT_EQ(executeCommand("echo x", flag(true)), wrote("")) << "started, but not read";
-    EXPECT_EQ(std::exchange(calls, 0), 8);
-    const std::size_t handlesBefore = tests::handleCount();
-    const long blocksBefore = tests::liveBlocks;
-    for (failing = 1; failing <= 9; ++failing) {
-        EXPECT_EQ(executeCommand("echo x", flag()), failing <= 8 ? failed() : wrote("x\n"));
-        EXPECT_EQ(std::exchange(calls, 0), std::min(failing, 8)) << "went on after a failure";
-        EXPECT_EQ(tests::handleCount(), handlesBefore) << failing;
-        EXPECT_EQ(tests::liveBlocks, blocksBefore) << failing;
-    }
-}
-
-TEST_F(CommandRunner, FailedAllocationLeavesNoHandleOpen) {
-    tests::failEachAllocation([&](long, auto fail) {
-        const std::size_t before = tests::handleCount();
-        const std::string command = "CommandChild bytes 300";
-        const Flag stopFlag = flag();
-        Result result;
-        if (!fail([&] { result = executeCommand(command, stopFlag); })) {
-            EXPECT_EQ(result, wroteBytes(300));
-        }
-        EXPECT_EQ(tests::handleCount(), before);
-    });
-}
-
-TEST_F(CommandRunner, AnExceptionInTheBackgroundIsAFailure) {
-    std::optional<tests::AllocationFault> fault;
-    const tests::Hook pipe("CreatePipe", CreatePipe, [&](auto real, auto... arguments) {
-        fault.emplace(1, true);  // on the background thread
-        return real(arguments...);
-    });
-    EXPECT_EQ(runCommand("echo x"), failed());
-    EXPECT_TRUE(tests::AllocationFault::happened());
-}
-
-// A command that started between the pipes and the process of another would hold its write ends.
-TEST_F(CommandRunner, OneThatWaitsForAnotherToStartEndsAtItsFlag) {
-    const Handle isStarting = makeEvent();
-    const Handle go = makeEvent();
-    HANDLE writeEnd = nullptr;  // of the first one
-    const tests::Hook createProcess("CreateProcessA", CreateProcessA, [&](auto, auto... arguments) {
-        if (writeEnd == nullptr) {
-            writeEnd = std::get<8>(std::tuple(arguments...))->hStdError;
-            SetEvent(isStarting.get());
-            await(go);
-        }
-        return TRUE;
-    });
-    int pipes = 0;
-    const tests::Hook createPipe("CreatePipe", CreatePipe, [&](auto real, auto... arguments) {
-        DWORD flags = 0;
-        EXPECT_FALSE(pipes == 2 && GetHandleInformation(writeEnd, &flags)) << "still open";
-        ++pipes;
-        return real(arguments...);
-    });
-    std::function<void()> whileWaiting = [] {};  // the runtime sleeps too, to start a thread
-    const tests::Hook sleep("Sleep", Sleep, [&](auto, auto) { whileWaiting(); });
-
-    auto first = std::async(std::launch::async, executeCommand, "", flag());
-    await(isStarting);
-    const Flag stopFlag = flag();
-    whileWaiting = [&] { *stopFlag = true; };
-    EXPECT_EQ(executeCommand("", stopFlag), failed());
-    EXPECT_EQ(executeCommand("", stopFlag), failed()) << "the flag was true before it waited";
-    EXPECT_EQ(pipes, 2) << "it prepared to start";
-    whileWaiting = [&] { SetEvent(go.get()); };
-    EXPECT_EQ(executeCommand("", flag()), wrote(""));
-    EXPECT_EQ(pipes, 4);
-    SetEvent(go.get());
-    EXPECT_EQ(first.get(), wrote(""));
-}
-
-// Windows writes nothing into a buffer that is too small, and answers with the size it needs. The
-// command would be "\cmd.exe" then, from the root of the drive.
-TEST_F(CommandRunner, NeverStartsAnInterpreterWithoutItsDirectory) {
-    int started = 0;
-    const tests::Hook process("CreateProcessA", CreateProcessA, [&](auto...) {
-        ++started;
-        return TRUE;
-    });
-    for (const UINT answer : {0U, 4096U, 4097U}) {
-        const tests::Hook directory("GetSystemDirectoryA", GetSystemDirectoryA,
-                                    [&](auto...) { return answer; });
-        EXPECT_EQ(executeCommand("echo x", flag()), failed()) << answer;
-    }
-    EXPECT_EQ(started, 0);
-}
-
-#ifndef _MSC_VER  // whose locks need no memory
-// The first lock of a future allocates. A child that never ends is still running when that fails.
-TEST_F(CommandRunner, StopsReadingWhenTheWaitForItFails) {
-    const tests::Hook process("CreateProcessA", CreateProcessA, [](auto...) { return TRUE; });
-    const DWORD caller = GetCurrentThreadId();
-    bool isTaskStarted = false;
-    std::atomic<bool> hasFailed = false;
-    const tests::Hook thread("_beginthreadex", _beginthreadex, [&](auto real, auto... arguments) {
-        const auto result = real(arguments...);
-        isTaskStarted = true;
-        return result;
-    });
-    const tests::Hook memory("malloc", std::malloc, [&](auto real, std::size_t size) -> void* {
-        if (GetCurrentThreadId() == caller && isTaskStarted && !hasFailed.exchange(true)) {
-            return nullptr;
-        }
-        return real(size);
-    });
-    const auto giveUp = std::chrono::steady_clock::now() + 20s;
-    std::atomic<bool> isStopped = true;
-    const tests::Hook read("ReadFile", ReadFile, [&](auto...) {
-        isStopped = std::chrono::steady_clock::now() < giveUp;
-        SetLastError(isStopped ? ERROR_NO_DATA : ERROR_BROKEN_PIPE);
-        return FALSE;
-    });
-    EXPECT_THROW(runCommand("echo x"), std::system_error);
-    EXPECT_TRUE(hasFailed);
-    EXPECT_TRUE(isStopped) << "the caller waited for the end of the output";
-}
-#endif
-
-// A flag whose first reader runs `afterRead` right behind the instruction that reads it. Windows
-// reports the first access to a guarded page, and the trap flag stops the thread one step later.
-class WatchedFlag {
- public:
-    explicit WatchedFlag(std::function<void()> action) {
-        afterRead = std::move(action);
-        handler = AddVectoredExceptionHandler(1, &onException);
-        void* const page = VirtualAlloc(nullptr, 1, MEM_COMMIT, PAGE_READWRITE);
-        value = new (page) std::atomic<bool>(false);
-        DWORD before = 0;
-        VirtualProtect(page, 1, PAGE_READWRITE | PAGE_GUARD, &before);
-    }
-    ~WatchedFlag() {
-        RemoveVectoredExceptionHandler(handler);
-        VirtualFree(value, 0, MEM_RELEASE);
-    }
-    WatchedFlag(WatchedFlag&&) = delete;
-
-    void set() { *value = true; }
-    Flag share() const {
-        return {value, [](auto*) {}};
-    }
-
- private:
-    static LONG CALLBACK onException(EXCEPTION_POINTERS* exception) {
-        const DWORD code = exception->ExceptionRecord->ExceptionCode;
-        if (code == STATUS_GUARD_PAGE_VIOLATION) {
-            exception->ContextRecord->EFlags |= 0x100;  // the processor's trap flag
-            return EXCEPTION_CONTINUE_EXECUTION;
-        }
-        if (code == STATUS_SINGLE_STEP) {
-            afterRead();
-            return EXCEPTION_CONTINUE_EXECUTION;
-        }
-        return EXCEPTION_CONTINUE_SEARCH;
-    }
-
-    static inline std::function<void()> afterRead;
-    std::atomic<bool>* value;
-    void* handler;
-};
-
-// The waiting command reads false. Then, before it goes on, its flag becomes true, and afterwards
-// the other command has started.
-TEST_F(CommandRunner, DoesNotStartIfItsFlagWasTrueBeforeItsTurn) {
-    const Handle isStarting = makeEvent();
-    const Handle go = makeEvent();
-    std::atomic<int> started = 0;
-    const tests::Hook createProcess("CreateProcessA", CreateProcessA, [&](auto...) {
-        if (++started == 1) {
-            SetEvent(isStarting.get());
-            await(go);
-        }
-        return TRUE;
-    });
-    std::future<Result> first = std::async(std::launch::async, executeCommand, "", flag());
-    await(isStarting);
-    int reads = 0;
-    WatchedFlag* watched = nullptr;
-    WatchedFlag stopFlag([&] {
-        ++reads;
-        watched->set();
-        SetEvent(go.get());
-        first.wait();
-    });
-    watched = &stopFlag;
-    EXPECT_EQ(executeCommand("", stopFlag.share()), failed());
-    EXPECT_EQ(reads, 1);
-    EXPECT_EQ(started, 1);
-}
-
-// The second child blocks in its standard error until then.
-TEST_F(CommandRunner, GivesUpAfterSixtySeconds) {
-    const Leash leash;
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(runCommand("CommandChild say lost&CommandChild bytes 100000 1>&2&CommandChild" +
-                         leash.step),
-              failed());
-    const auto taken = std::chrono::steady_clock::now() - start;
-    await(leash.here);  // the child was neither killed nor waited for
-    SetEvent(leash.go.get());
-    EXPECT_GE(taken, 60s);
-    EXPECT_LT(taken, 75s);  // all but the minute is the start of one process
 }
 
 }  // namespace
