@@ -2,6 +2,9 @@
 
 #include "models/PropertyStore.h"
 #include "support/Allocations.h"
+#ifdef _WIN32
+#include "support/PlatformCalls.h"
+#endif
 
 namespace {
 
@@ -10,26 +13,77 @@ using Quend::Framework::Management::PropertyManagerImpl;
 const std::wstring kName = L"a name beyond any short string";
 const std::wstring kValue = L"a value beyond any short string";
 
+TEST(PropertyManager, KeepsAPropertyUntilItIsCleared) {
+    PropertyManagerImpl store;
+    EXPECT_FALSE(store.hasProperty(L"report.title"));
+
+    store.setProperty(L"report.title", L"Orders in May");
+    EXPECT_TRUE(store.hasProperty(L"report.title"));
+    EXPECT_EQ(store.readProperty(L"report.title"), L"Orders in May");
+    EXPECT_FALSE(store.hasProperty(L"Report.Title")) << "case counts";
+
+    store.setProperty(L"report.title", L"Orders in June");
+    EXPECT_EQ(store.readProperty(L"report.title"), L"Orders in June");
+
+    store.clearProperty(L"report.title");
+    EXPECT_FALSE(store.hasProperty(L"report.title"));
+    EXPECT_EQ(tests::complaintOf([&] { store.readProperty(L"report.title"); }),
+              "Trying to read unexistent property: report.title");
+    EXPECT_EQ(tests::complaintOf([&] { store.clearProperty(L"report.title"); }),
+              "Trying to clear an unexistent property: report.title");
+}
+
 TEST(PropertyManager, MatchesModelOverRandomOperations) {
     tests::runOnRandomInputs(&tests::checkPropertyStore);
 }
 
-// Of a set, the old value is gone before the copies are made, whichever of them fails.
-TEST(PropertyManager, FailedAllocationLeavesTheStatedProperties) {
-    using Row = std::tuple<bool, void (*)(PropertyManagerImpl&), bool>;
-    for (const auto& [isHeldBefore, call, isComplaint] :
-         {Row{false, [](auto& store) { store.setProperty(kName, kValue); }, false},
-          Row{true, [](auto& store) { store.setProperty(kName, kValue); }, false},
-          Row{true, [](auto& store) { store.readProperty(kValue); }, true},
-          Row{true, [](auto& store) { store.clearProperty(kValue); }, true}}) {
+#ifdef _WIN32
+TEST(PropertyManager, ComplaintIsEmptyIfAnyPartOfItCannotBeConverted) {
+    // The runtime's conversion, in an encoding without a colon.
+    using Conversion = errno_t(std::size_t*, char*, std::size_t, const wchar_t*, std::size_t);
+    const tests::Hook hook("wcstombs_s", static_cast<Conversion*>(wcstombs_s),
+                           [](Conversion* real, std::size_t* converted, char* buffer,
+                              std::size_t size, const wchar_t* text, std::size_t count) {
+                               if (std::wcschr(text, L':') == nullptr) {
+                                   return real(converted, buffer, size, text, count);
+                               }
+                               *converted = 0;
+                               *buffer = '\0';
+                               return EILSEQ;
+                           });
+    PropertyManagerImpl store;
+    EXPECT_EQ(tests::complaintOf([&] { store.readProperty(L"report.title"); }), "");
+    EXPECT_EQ(tests::complaintOf([&] { store.clearProperty(L"report.title"); }), "");
+}
+#endif
+
+// The old value is gone before the copies are made, whichever of them fails.
+TEST(PropertyManager, FailedSetLeavesThePropertyAbsent) {
+    for (const bool existedBefore : {false, true}) {
         tests::failEachAllocation([&](long, auto fail) {
             PropertyManagerImpl store;
             store.setProperty(L"other", L"stays");
-            isHeldBefore ? store.setProperty(kName, L"old") : void();
+            if (existedBefore) {
+                store.setProperty(kName, L"old");
+            }
+            const bool failed = fail([&] { store.setProperty(kName, kValue); });
+            EXPECT_EQ(store.hasProperty(kName), !failed);
+            EXPECT_EQ(store.readProperty(L"other"), L"stays");
+        });
+    }
+}
+
+TEST(PropertyManager, ComplaintWithoutMemoryChangesNothing) {
+    const auto read = [](PropertyManagerImpl& store) { store.readProperty(kName); };
+    const auto clear = [](PropertyManagerImpl& store) { store.clearProperty(kName); };
+    for (void (*call)(PropertyManagerImpl&) : {+read, +clear}) {
+        tests::failEachAllocation([&](long, auto fail) {
+            PropertyManagerImpl store;
+            store.setProperty(L"other", L"stays");
             std::string complaint;
             const bool failed = fail([&] { complaint = tests::complaintOf([&] { call(store); }); });
-            EXPECT_EQ(complaint.starts_with("Trying"), isComplaint && !failed);
-            EXPECT_EQ(store.hasProperty(kName), isComplaint || !failed);
+            EXPECT_EQ(complaint.empty(), failed);
+            EXPECT_FALSE(store.hasProperty(kName));
             EXPECT_EQ(store.readProperty(L"other"), L"stays");
         });
     }

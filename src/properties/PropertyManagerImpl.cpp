@@ -16,12 +16,8 @@ PropertyManager::~PropertyManager() = default;
 namespace {
 
 // Made apart from the throw: whatever is alive at a throw is unwound, which doubled its time.
-Exceptions::UnexistentProperty unexistent(const char* complaint, const std::wstring& name) {
-    // The complaint reads the same in every encoding of the runtime, so only the name is converted.
-    // If that fails, the whole message is empty.
-    const std::string narrowName = Text::wideToNarrow(name.c_str());
-    const std::string message = narrowName.empty() ? "" : complaint + narrowName;
-    return Exceptions::UnexistentProperty(message.c_str());
+Exceptions::UnexistentProperty unexistent(const wchar_t* complaint, const std::wstring& name) {
+    return Exceptions::UnexistentProperty(Text::wideToNarrow((complaint + name).c_str()).c_str());
 }
 
 }  // namespace
@@ -29,7 +25,7 @@ Exceptions::UnexistentProperty unexistent(const char* complaint, const std::wstr
 const std::wstring& PropertyManagerImpl::readProperty(const std::wstring& name) const {
     const auto found = properties.find(name);
     if (found == properties.end()) {
-        throw unexistent("Trying to read unexistent property: ", name);
+        throw unexistent(L"Trying to read unexistent property: ", name);
     }
     return found->second;
 }
@@ -48,7 +44,7 @@ void PropertyManagerImpl::setProperty(const std::wstring& name, const std::wstri
 void PropertyManagerImpl::clearProperty(const std::wstring& name) {
     const auto found = properties.find(name);
     if (found == properties.end()) {
-        throw unexistent("Trying to clear an unexistent property: ", name);
+        throw unexistent(L"Trying to clear an unexistent property: ", name);
     }
     properties.erase(found);
 }
