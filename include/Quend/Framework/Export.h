@@ -16,5 +16,6 @@
 #define QUEND_FRAMEWORK_API
 #endif
 #else
+/// Marks what crosses the boundary of the DLL.
 #define QUEND_FRAMEWORK_API __declspec(dllimport)
 #endif

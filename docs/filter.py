@@ -1,0 +1,36 @@
+#!/usr/bin/env python3
+"""Hands a page or a header to doxygen: filter.py FILE
+
+Headings of a page get labels, and links between pages go to these, because versions of doxygen differ
+in the labels they make up. Each labelled line of a contract becomes a paragraph.
+"""
+
+import pathlib
+import re
+import sys
+
+
+def label(page, heading=""):
+    name = pathlib.PurePath(page).stem.lower()
+    name = "index" if name in ("readme", "contributing") else name
+    slug = re.sub(r"[^\w\- ]", "", heading).lower().replace(" ", "-")
+    return f"{name}-{slug}" if slug else name
+
+
+path = pathlib.Path(sys.argv[1])
+text = path.read_text()
+if path.suffix == ".md":
+    title, body = text.split("\n", 1)
+    if label(path) != "index":
+        title += f" {{#{label(path)}}}"
+    body = re.sub(r"^##+ (.*)$", lambda match: f"{match[0]} {{#{label(path, match[1])}}}", body,
+                  flags=re.M)
+    text = f"{title}\n{body}"
+    text = re.sub(r"\]\(([^):]*)\.md(?:#([\w-]+))?\)",
+                  lambda match: f"](@ref {label(match[1], match[2] or '')})", text)
+    # A picture stands in a comment, as other viewers of Markdown cannot draw it.
+    text = re.sub(r"^<!-- (.dotfile .*) -->", r"\1", text, flags=re.M)
+else:
+    text = re.sub(r"^( */// )(Throws|Threading|Ownership|On failure|Requires|Lifetime|Errors|Exceptions): ",
+                  r"\1<p><b>\2:</b> ", text, flags=re.M)
+sys.stdout.write(text)
