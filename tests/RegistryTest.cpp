@@ -1,15 +1,14 @@
-#include "support/Test.h"
+#include "Quend/RegistryAccess/Registry.h"
 
 #include <shlwapi.h>
 
-#include <bitset>
 #include <regex>
 
-#include "Quend/RegistryAccess/Registry.h"
 #include "Quend/RegistryAccess/RegistryErrors.h"
 #include "support/Allocations.h"
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
+#include "support/Test.h"
 
 namespace {
 
@@ -22,40 +21,20 @@ static_assert(sizeof(Registry) == sizeof(std::string) + sizeof(void*));
 
 std::vector<char> chars(const std::string& text) { return {text.begin(), text.end()}; }
 
-std::bitset<1000> linesOfErrors;  // allocates nothing
-
-// "Class: message" of what `call` throws, or "" if nothing. what() has the usual form.
-std::string outcome(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const Error& error) {
-        static const std::regex form(R"(Exception 'class Quend::RegistryAccess::Registry::(\w+)' )"
-                                     R"(\(Quend/RegistryAccess/Registry:([1-9]\d*)\)(: .*))");
-        std::cmatch parts;
-        EXPECT_TRUE(std::regex_match(error.what(), parts, form)) << error.what();
-        linesOfErrors.set(std::stoul(parts.str(2)));
-        return parts.str(1) + parts.str(3);
-    }
-    return "";
-}
-
-// Each test has a key of its own with two values and two sub keys, gone when it ends.
+// Each test has a key of its own, gone when it ends.
 struct RegistryTest : testing::Test {
     RegistryTest() {
         SHDeleteKeyA(HKEY_CURRENT_USER, path.c_str());  // left by a killed test of this process id
-        key = Registry(HKEY_CURRENT_USER, "").createSubKey(path);
-        key.setIntValue("number", 0x80000001);
-        key.setStringValue("text", chars("some"));
-        key.createSubKey("a");
-        key.createSubKey(R"(b\c)");
+        key = Registry(HKEY_CURRENT_USER, "Software").createSubKey(leaf);
     }
     ~RegistryTest() override {
         std::setlocale(LC_CTYPE, "C");
         SHDeleteKeyA(HKEY_CURRENT_USER, path.c_str());
     }
 
+    // Writes a value as it is. A terminator would be added to a text that has none behind it.
     void setRaw(const std::wstring& name, DWORD type, const std::string& data) const {
-        const std::string behind = data + "??";  // no NUL, or the platform would count it in
+        const std::string behind = data + "??";
         RegSetKeyValueW(HKEY_CURRENT_USER, widePath.c_str(), name.c_str(), type, behind.c_str(),
                         static_cast<DWORD>(data.size()));
     }
@@ -64,179 +43,349 @@ struct RegistryTest : testing::Test {
     const std::string path = "Software\\" + leaf;
     const std::wstring widePath{path.begin(), path.end()};
     Registry key;
-    const std::function<Registry()> waysToOpen[4] = {
-        [&] { return Registry(HKEY_CURRENT_USER, path); },
-        [&] { return key.openSubKey(R"(b\c)"); },
-        [&] { return key.createSubKey("a"); },
-        [&] { return key.getSubKeys().at(1); },
-    };
 };
 
-// What becomes of the code 5, of all that are not listed, and of 259.
-struct Outcomes {
-    const char* denied;
-    const char* other;
-    const char* noMore = other;
+TEST_F(RegistryTest, KeepsTheSettingsOfAnEditor) {
+    const Registry editor = key.createSubKey("Editor");
+    editor.setIntValue("FontSize", 11);
+    editor.setIntValue("FontSize", 12);
+    editor.setStringValue("Theme", chars("dark"));
+    EXPECT_TRUE(editor.hasValue("FontSize"));
+    EXPECT_EQ(editor.getIntValue("FontSize"), 12);
+    EXPECT_EQ(editor.getStringValue("Theme"), chars("dark"));
+
+    // One key below another. The name is the path that was given.
+    EXPECT_EQ(editor.createSubKey(R"(Windows\Main)").getName(), R"(Windows\Main)");
+    editor.openSubKey(R"(Windows\Main)").setIntValue("Width", 1024);
+    editor.createSubKey("Recent");
+    const std::vector<Registry> subKeys = editor.getSubKeys();
+    ASSERT_EQ(subKeys.size(), 2U);
+    EXPECT_EQ(subKeys[0].getName(), "Recent");
+    EXPECT_EQ(subKeys[1].getName(), "Windows");
+    EXPECT_TRUE(subKeys[0].getSubKeys().empty());
+
+    // What another program sees. Here the name is the last part of the path.
+    const Registry seen(HKEY_CURRENT_USER, path + R"(\Editor\Windows\Main)");
+    EXPECT_EQ(seen.getName(), "Main");
+    EXPECT_EQ(seen.getIntValue("Width"), 1024);
+
+    editor.deleteValue("Theme");
+    EXPECT_FALSE(editor.hasValue("Theme"));
+    EXPECT_THROW(editor.getStringValue("Theme"), Registry::NotFound);
+    key.deleteSubKey("Editor");
+    EXPECT_THROW(key.openSubKey("Editor"), Registry::OpenError);
+}
+
+TEST_F(RegistryTest, FindsNamesAsWindowsDoesButForGetStringValue) {
+    key.setStringValue("Theme", chars("dark"));
+    EXPECT_TRUE(key.hasValue("THEME"));
+    EXPECT_THROW(key.getStringValue("THEME"), Registry::NotFound);
+    EXPECT_THROW(key.getStringValue("Them"), Registry::NotFound);
+    EXPECT_THROW(key.getStringValue("Themes"), Registry::NotFound);
+    key.setIntValue("", 0x80000001);  // the value without a name
+    EXPECT_EQ(key.getIntValue(""), std::int32_t(0x80000001));
+    EXPECT_EQ(Registry(HKEY_CURRENT_USER, "Software").getName(), "Software");
+    EXPECT_EQ(Registry(HKEY_CURRENT_USER, R"(Software\)").getName(), "");
+}
+
+// what() in its parts; all empty if `call` throws nothing.
+struct What {
+    std::string error;  // "Class: message"
+    std::string line;
 };
-constexpr Outcomes kRead = {"AccessDenied: Not enough permissions to read value.",
-                            "OpenError: Unable to open requested value.",
-                            "NotFound: The requested value was not found."};
-constexpr Outcomes kWrite = {"AccessDenied: Not enough permissions to modify value.",
-                             "OpenError: Unable to open requested value.",
-                             "NotFound: The value to update was not found."};
-constexpr Outcomes kOpen = {"AccessDenied: Not enough permissions to read requested key.",
-                            "OpenError: Unable to open requested key."};
-constexpr Outcomes kList = {"AccessDenied: Not enough permissions to read sub key enumeration.",
-                            "OpenError: Unable to open enumerated sub key.", ""};
-constexpr Outcomes kDelete = {"AccessDenied: Not enough permissions to delete value.",
-                              "NotFound: Unable to delete given value."};
-constexpr Outcomes kDeleteKey = {"AccessDenied: Not enough permissions to delete sub key.",
-                                 "NotFound: Unable to delete given key."};
-constexpr Outcomes kCreate = {"AccessDenied: Not enough permissions to create requested key.",
-                              "CreationError: Unable to create requested key."};
-constexpr Outcomes kConstruct = {"AccessDenied: Unable to open requested key",
-                                 "OpenError: Unable to open requested key"};
+What whatOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const Error& error) {
+        const std::regex form(R"(Exception 'class Quend::RegistryAccess::Registry::(\w+)' )"
+                              R"(\(Quend/RegistryAccess/Registry:([1-9]\d*)\): (.*))");
+        std::cmatch parts;
+        EXPECT_TRUE(std::regex_match(error.what(), parts, form)) << error.what();
+        return {.error = parts.str(1) + ": " + parts.str(3), .line = parts.str(2)};
+    }
+    return {};
+}
+std::string errorOf(const std::function<void()>& call) { return whatOf(call).error; }
+
+// What each operation makes of the codes of the one platform function that it calls.
+const struct Operation {
+    const char* function;
+    void (*call)(const Registry& key);
+    const char* onAccessDenied;
+    const char* onNoMoreItems;
+    const char* onOthers;
+} kOperations[] = {
+    {
+        .function = "RegOpenKeyW",
+        .call = [](const Registry& /*key*/) { Registry(HKEY_CURRENT_USER, "Software"); },
+        .onAccessDenied = "AccessDenied: Unable to open requested key",
+        .onNoMoreItems = "OpenError: Unable to open requested key",
+        .onOthers = "OpenError: Unable to open requested key",
+    },
+    {
+        .function = "RegOpenKeyW",
+        .call = [](const Registry& key) { key.openSubKey("a"); },
+        .onAccessDenied = "AccessDenied: Not enough permissions to read requested key.",
+        .onNoMoreItems = "OpenError: Unable to open requested key.",
+        .onOthers = "OpenError: Unable to open requested key.",
+    },
+    {
+        .function = "RegCreateKeyW",
+        .call = [](const Registry& key) { key.createSubKey("a"); },
+        .onAccessDenied = "AccessDenied: Not enough permissions to create requested key.",
+        .onNoMoreItems = "CreationError: Unable to create requested key.",
+        .onOthers = "CreationError: Unable to create requested key.",
+    },
+    {
+        .function = "SHDeleteKeyW",
+        .call = [](const Registry& key) { key.deleteSubKey("a"); },
+        .onAccessDenied = "AccessDenied: Not enough permissions to delete sub key.",
+        .onNoMoreItems = "NotFound: Unable to delete given key.",
+        .onOthers = "NotFound: Unable to delete given key.",
+    },
+    {
+        .function = "RegEnumKeyW",
+        .call = [](const Registry& key) { key.getSubKeys(); },
+        .onAccessDenied = "AccessDenied: Not enough permissions to read sub key enumeration.",
+        .onNoMoreItems = "",
+        .onOthers = "OpenError: Unable to open enumerated sub key.",
+    },
+    {
+        .function = "RegQueryValueExW",
+        .call = [](const Registry& key) { key.getIntValue("a"); },
+        .onAccessDenied = "AccessDenied: Not enough permissions to read value.",
+        .onNoMoreItems = "NotFound: The requested value was not found.",
+        .onOthers = "OpenError: Unable to open requested value.",
+    },
+    {
+        .function = "RegEnumValueW",
+        .call = [](const Registry& key) { key.getStringValue("a"); },
+        .onAccessDenied = "AccessDenied: Not enough permissions to read value.",
+        .onNoMoreItems = "NotFound: The requested value was not found.",
+        .onOthers = "OpenError: Unable to open requested value.",
+    },
+    {
+        .function = "RegSetValueExW",
+        .call = [](const Registry& key) { key.setIntValue("a", 1); },
+        .onAccessDenied = "AccessDenied: Not enough permissions to modify value.",
+        .onNoMoreItems = "NotFound: The value to update was not found.",
+        .onOthers = "OpenError: Unable to open requested value.",
+    },
+    {
+        .function = "RegSetValueExW",
+        .call = [](const Registry& key) { key.setStringValue("a", {'b'}); },
+        .onAccessDenied = "AccessDenied: Not enough permissions to modify value.",
+        .onNoMoreItems = "NotFound: The value to update was not found.",
+        .onOthers = "OpenError: Unable to open requested value.",
+    },
+    {
+        .function = "RegDeleteValueW",
+        .call = [](const Registry& key) { key.deleteValue("a"); },
+        .onAccessDenied = "AccessDenied: Not enough permissions to delete value.",
+        .onNoMoreItems = "NotFound: Unable to delete given value.",
+        .onOthers = "NotFound: Unable to delete given value.",
+    },
+};
+
+// Stands in for any function of Windows.
+LSTATUS refusal = ERROR_SUCCESS;
+LSTATUS refuse() { return refusal; }
+void* const kRefuse = reinterpret_cast<void*>(&refuse);
+
+TEST_F(RegistryTest, RefusalsBecomeErrorsAndLeaveNothingBehind) {
+    for (const Operation& operation : kOperations) {
+        SCOPED_TRACE(operation.onAccessDenied);
+        const tests::ImportPatch patch(operation.function, kRefuse);
+        const struct {
+            LSTATUS code;
+            const char* error;
+        } cases[] = {
+            {.code = ERROR_ACCESS_DENIED, .error = operation.onAccessDenied},
+            {.code = ERROR_NO_MORE_ITEMS, .error = operation.onNoMoreItems},
+            {.code = ERROR_FILE_NOT_FOUND, .error = operation.onOthers},
+            {.code = -1, .error = operation.onOthers},
+        };
+        for (const auto& each : cases) {
+            refusal = each.code;
+            const long blocksBefore = tests::liveBlocks;
+            EXPECT_EQ(errorOf([&] { operation.call(key); }), each.error) << each.code;
+            EXPECT_EQ(tests::liveBlocks, blocksBefore) << each.code;
+        }
+    }
+}
+
+TEST_F(RegistryTest, AValueThatMayNotBeReadCountsAsAbsent) {
+    key.setIntValue("secret", 1);
+    const tests::ImportPatch patch("RegQueryValueExW", kRefuse);
+    refusal = ERROR_ACCESS_DENIED;
+    EXPECT_FALSE(key.hasValue("secret"));
+}
+
+TEST_F(RegistryTest, ASubKeyThatCannotBeOpenedEndsTheListing) {
+    key.createSubKey("a");
+    const tests::ImportPatch patch("RegOpenKeyW", kRefuse);
+    refusal = ERROR_FILE_NOT_FOUND;
+    EXPECT_EQ(errorOf([&] { key.getSubKeys(); }), "OpenError: Unable to open requested key.");
+}
+
 constexpr const char* kUnbound = "NotInitialized: handle_ != 0: Invalid handle state.";
 
-const struct Operation {
-    const char* function{};  // the one that Windows refuses
-    void (*call)(const Registry& key, const std::string& name){};
-    Outcomes outcomes{};
-    const char* onUnbound = kUnbound;
-    bool hasName = true;
-} kOperations[] = {
-    {"RegQueryValueExW", [](auto& k, auto& n) { EXPECT_FALSE(k.hasValue(n)); }, {"", ""}},
-    {"RegQueryValueExW", [](auto& k, auto& n) { k.getIntValue(n); }, kRead},
-    {"RegEnumValueW", [](auto& k, auto& n) { k.getStringValue(n); }, kRead},
-    {"RegSetValueExW", [](auto& k, auto& n) { k.setStringValue(n, {}); }, kWrite},
-    {"RegSetValueExW", [](auto& k, auto& n) { k.setStringValue("", chars(n)); }, kWrite},
-    {"RegSetValueExW", [](auto& k, auto& n) { k.setIntValue(n, 1); }, kWrite},
-    {"RegOpenKeyW", [](auto& k, auto& n) { k.openSubKey(n); }, kOpen},
-    {"RegCreateKeyW", [](auto& k, auto& n) { k.createSubKey(n); }, kCreate},
-    {"RegDeleteValueW", [](auto& k, auto& n) { k.deleteValue(n); }, kDelete},
-    {"SHDeleteKeyW", [](auto& k, auto& n) { k.deleteSubKey(n); }, kDeleteKey},
-    {"RegEnumKeyW", [](auto& k, auto&) { k.getSubKeys(); }, kList, kUnbound, false},
-    {"RegOpenKeyW", [](auto& k, auto&) { k.getSubKeys(); }, kOpen, kUnbound, false},
-    {"RegOpenKeyW", [](auto&, auto& n) { Registry(HKEY_CURRENT_USER, n); }, kConstruct, ""},
-};
-
-LSTATUS injectedCode = 0;
-LSTATUS refuse() {
-    EXPECT_NE(injectedCode, 0) << "Windows was asked with a name that is not valid";
-    return injectedCode;
-}
-
-TEST_F(RegistryTest, RefusalsBecomeExceptionsAndLeaveNothingBehind) {
-    std::setlocale(LC_CTYPE, ".932");  // in Shift-JIS "\x82" alone is no valid text
-    linesOfErrors.reset();
-    for (const Operation& each : kOperations) {
-        SCOPED_TRACE(each.function);
-        EXPECT_EQ(outcome([&] { each.call(Registry(), "Software"); }), each.onUnbound);
-        const tests::ImportPatch patch(each.function, reinterpret_cast<void*>(&refuse));
-        const std::pair<LSTATUS, const char*> cases[] = {
-            {ERROR_ACCESS_DENIED, each.outcomes.denied},
-            {ERROR_NO_MORE_ITEMS, each.outcomes.noMore},
-            {ERROR_FILE_NOT_FOUND, each.outcomes.other},
-            {-1, each.outcomes.other},
-        };
-        for (const auto& [code, expected] : cases) {
-            injectedCode = code;
-            const long before = tests::liveBlocks;
-            EXPECT_EQ(outcome([&] { each.call(key, "a"); }), expected) << code;
-            EXPECT_EQ(tests::liveBlocks, before) << code;
-        }
-        injectedCode = 0;
-        if (each.hasName) {
-            EXPECT_THROW(each.call(key, "\x82"), std::length_error);
-        }
+TEST_F(RegistryTest, AnUnboundObjectHasNoNameAndRefusesTheRest) {
+    const Registry unbound;
+    EXPECT_EQ(unbound.getName(), "");
+    EXPECT_EQ(errorOf([&] { unbound.hasValue("a"); }), kUnbound);
+    for (const Operation& operation : kOperations) {
+        const bool hasObject = &operation != &kOperations[0];  // the first is the constructor
+        EXPECT_EQ(errorOf([&] { operation.call(unbound); }), hasObject ? kUnbound : "");
     }
-    // Ten checks for an unbound object, ten of a result code, and CreationError's own.
-    EXPECT_EQ(linesOfErrors.count(), 21U);
 }
 
-TEST_F(RegistryTest, ReadsWhatItWroteAndNothingThatItDeleted) {
-    EXPECT_EQ(key.getIntValue("NUMBER"), std::int32_t(0x80000001));
-    EXPECT_EQ(key.getStringValue("text"), chars("some"));
-    EXPECT_TRUE(key.hasValue("TEXT"));
-    for (const char* const name : {"missing", "Text", "tex"}) {
-        EXPECT_EQ(outcome([&] { key.getStringValue(name); }), kRead.noMore) << name;
+// The line is that of the check in the source, so no two operations share one.
+TEST_F(RegistryTest, EachErrorNamesALineOfItsOwn) {
+    const Registry unbound;
+    std::set<std::string> lines;
+    refusal = ERROR_ACCESS_DENIED;
+    for (const Operation& operation : kOperations) {
+        const tests::ImportPatch patch(operation.function, kRefuse);
+        lines.insert(whatOf([&] { operation.call(key); }).line);
+        lines.insert(whatOf([&] { operation.call(unbound); }).line);
     }
-    key.deleteValue("text");
-    EXPECT_FALSE(key.hasValue("text"));
-    key.setStringValue("", {});  // the unnamed value
-    EXPECT_EQ(key.getStringValue(""), chars(""));
-    EXPECT_EQ(key.createSubKey(R"(x\y\)").getName(), R"(x\y\)");
-    EXPECT_EQ(key.openSubKey(R"(b\c)").getSubKeys().size(), 0U);
-    key.deleteSubKey("b");
-    EXPECT_EQ(key.getSubKeys().at(1).getName(), "x");
-    EXPECT_EQ(Registry(HKEY_CURRENT_USER, path + '\\').getName(), "");
-    EXPECT_EQ(Registry(HKEY_CURRENT_USER, path).getName(), leaf);
-    EXPECT_EQ(Registry(HKEY_CURRENT_USER, "Software").getName(), "Software");
+    lines.insert(whatOf([&] { unbound.hasValue("a"); }).line);
+    lines.insert(whatOf([] { throw Registry::CreationError(); }).line);
+    // Ten operations are refused, ten need an object, and CreationError has a line of its own.
+    EXPECT_EQ(lines.size(), 21U);
 }
 
-// A longer value comes before "b", so that stale data would show.
-TEST_F(RegistryTest, ReadsAnyDataWithinItsBuffer) {
-    const auto text = [&] { return key.getStringValue("b"); };
-    const auto number = [&] { return key.getIntValue("b"); };
+TEST_F(RegistryTest, ANameThatIsNoTextNeverReachesWindows) {
+    std::setlocale(LC_CTYPE, ".932");
+    const std::string broken = "\x82";  // half a character of Shift-JIS
+    const tests::ImportPatch patches[] = {
+        {"RegOpenKeyW", kRefuse},     {"RegCreateKeyW", kRefuse},    {"SHDeleteKeyW", kRefuse},
+        {"RegEnumValueW", kRefuse},   {"RegQueryValueExW", kRefuse}, {"RegSetValueExW", kRefuse},
+        {"RegDeleteValueW", kRefuse},
+    };
+    refusal = ERROR_ACCESS_DENIED;  // would be another exception
+    EXPECT_THROW(Registry(HKEY_CURRENT_USER, broken), std::length_error);
+    EXPECT_THROW(key.openSubKey(broken), std::length_error);
+    EXPECT_THROW(key.createSubKey(broken), std::length_error);
+    EXPECT_THROW(key.deleteSubKey(broken), std::length_error);
+    EXPECT_THROW(key.hasValue(broken), std::length_error);
+    EXPECT_THROW(key.getIntValue(broken), std::length_error);
+    EXPECT_THROW(key.getStringValue(broken), std::length_error);
+    EXPECT_THROW(key.setIntValue(broken, 1), std::length_error);
+    EXPECT_THROW(key.setStringValue(broken, {}), std::length_error);
+    EXPECT_THROW(key.setStringValue("a", chars(broken)), std::length_error);
+    EXPECT_THROW(key.deleteValue(broken), std::length_error);
+}
+
+TEST_F(RegistryTest, ReadsANumberOfUpToFourBytes) {
+    const char* const wrongType =
+        "OpenError: type == REG_DWORD: Only REG_DWORD value types are supported in getIntValue "
+        "function.";
+    const struct {
+        DWORD type;
+        std::string data;
+        std::int32_t number;
+        const char* error;
+    } cases[] = {
+        {.type = REG_DWORD, .data = "abcd", .number = 0x64636261, .error = ""},
+        {.type = REG_DWORD, .data = "ab", .number = 0x6261, .error = ""},
+        {.type = REG_DWORD, .data = "", .number = 0, .error = ""},
+        {.type = REG_DWORD,
+         .data = "abcde",
+         .number = 0,
+         .error = "OpenError: Unable to open requested value."},
+        {.type = REG_SZ, .data = "abcd", .number = 0, .error = wrongType},
+        {.type = REG_BINARY, .data = "abcd", .number = 0, .error = wrongType},
+    };
+    for (const auto& each : cases) {
+        setRaw(L"value", each.type, each.data);
+        std::int32_t number = 0;
+        EXPECT_EQ(errorOf([&] { number = key.getIntValue("value"); }), each.error) << each.data;
+        EXPECT_EQ(number, each.number) << each.data;
+    }
+}
+
+// A longer value is listed before it, so that stale data would show.
+TEST_F(RegistryTest, ReadsATextOfUpTo261Bytes) {
     setRaw(L"a", REG_BINARY, std::string(261, '?'));
     std::string data;
     for (std::size_t size = 0; size <= 261; ++size) {
         setRaw(L"b", REG_SZ, data);
-        EXPECT_EQ(text(), std::vector<char>((size + 1) / 2, 'x')) << size;
+        EXPECT_EQ(key.getStringValue("b"), std::vector<char>((size + 1) / 2, 'x')) << size;
         data += size % 2 == 0 ? 'x' : '\0';
     }
     setRaw(L"b", REG_SZ, data);
-    EXPECT_EQ(outcome(text), kRead.other);
-    setRaw(L"b", REG_SZ, "a");
-    EXPECT_EQ(outcome(number),
-              "OpenError: type == REG_DWORD: Only REG_DWORD value types are supported in "
-              "getIntValue function.");
-    setRaw(L"b", REG_DWORD, {"x\0\0\0y\0", 6});  // a terminator inside
-    EXPECT_EQ(text(), chars("x"));
-    EXPECT_EQ(outcome(number), kRead.other);
-    setRaw(L"b", REG_DWORD, "ab");  // a unit that the C locale has not
-    EXPECT_EQ(text(), std::vector{'\0'});
-    EXPECT_EQ(number(), 0x6261);
-    for (const std::size_t length : {260U, 261U}) {
-        setRaw(std::wstring(length, L'a'), REG_DWORD, "");
-        EXPECT_EQ(outcome(text), length == 260 ? "" : kRead.other);
-    }
-    EXPECT_EQ(key.getIntValue(std::string(260, 'a')), 0);  // a number of no bytes
+    EXPECT_EQ(errorOf([&] { key.getStringValue("b"); }),
+              "OpenError: Unable to open requested value.");
+
+    // Windows adds a terminator of two bytes to a text that has none.
+    key.setStringValue("b", std::vector<char>(129, 'x'));
+    EXPECT_EQ(key.getStringValue("b"), std::vector<char>(129, 'x'));
+    key.setStringValue("b", std::vector<char>(131, 'x'));
+    EXPECT_THROW(key.getStringValue("b"), Registry::OpenError);
+}
+
+TEST_F(RegistryTest, ReadsATextOfAnyTypeUpToItsFirstTerminator) {
+    setRaw(L"value", REG_DWORD, {"x\0y\0\0\0z\0", 8});
+    EXPECT_EQ(key.getStringValue("value"), chars("xy"));
+    setRaw(L"value", REG_BINARY, "ab");  // U+6261, which the C locale cannot represent
+    EXPECT_EQ(key.getStringValue("value"), std::vector{'\0'});
+}
+
+TEST_F(RegistryTest, ListsNamesOfUpTo260Units) {
+    key.setStringValue("b", chars("text"));
+    setRaw(std::wstring(260, L'a'), REG_DWORD, "");
+    EXPECT_EQ(key.getStringValue("b"), chars("text"));
+    setRaw(std::wstring(261, L'a'), REG_DWORD, "");
+    EXPECT_EQ(errorOf([&] { key.getStringValue("b"); }),
+              "OpenError: Unable to open requested value.");
+    EXPECT_EQ(key.getIntValue(std::string(261, 'a')), 0);  // a query has no such limit
 }
 
 TEST_F(RegistryTest, WritesTwoBytesForEachByteOfText) {
     std::setlocale(LC_CTYPE, ".932");
-    std::pair<DWORD, std::wstring> written;
+    DWORD writtenType = 0;
+    std::wstring written;
     const tests::Hook set(
         "RegSetValueExW", RegSetValueExW,
-        [&](auto, auto, auto, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
+        [&](auto, HKEY, auto* /*name*/, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
             EXPECT_EQ(reserved, 0U) << "Wine does not look at it";
-            written = {type, {reinterpret_cast<const wchar_t*>(data), size / 2}};
-            return LSTATUS{0};
+            EXPECT_EQ(size % 2, 0U);
+            writtenType = type;
+            written.assign(reinterpret_cast<const wchar_t*>(data), size / 2);
+            return LSTATUS{ERROR_SUCCESS};
         });
-    const std::pair<std::string, std::wstring> cases[] = {
-        {"ab", L"ab"},
-        {std::string("a\0", 2) + std::string(300, 'y'), L'a' + std::wstring(301, L'\0')},
-        {"\x82\xa0\x82\xa2", std::wstring(L"\x3042\x3044\0\0", 4)},
+    const struct {
+        std::string text;
+        std::wstring units;
+    } cases[] = {
+        {.text = "ab", .units = L"ab"},
+        {.text = "", .units = L""},
+        {.text = std::string("a\0", 2) + std::string(300, 'y'),
+         .units = L'a' + std::wstring(301, L'\0')},
+        {.text = "\x82\xa0\x82\xa2", .units = std::wstring(L"\x3042\x3044\0\0", 4)},
     };
-    for (const auto& [text, units] : cases) {
-        key.setStringValue("v", chars(text));
-        EXPECT_EQ(written, std::pair(DWORD{REG_SZ}, units));
+    for (const auto& each : cases) {
+        key.setStringValue("v", chars(each.text));
+        EXPECT_EQ(writtenType, DWORD{REG_SZ});
+        EXPECT_EQ(written, each.units);
     }
     key.setIntValue("v", 0x30443042);
-    EXPECT_EQ(written, std::pair(DWORD{REG_DWORD}, std::wstring(L"\x3042\x3044")));
+    EXPECT_EQ(writtenType, DWORD{REG_DWORD});
+    EXPECT_EQ(written, L"\x3042\x3044");
 
     EXPECT_EQ(textValueSize(0x7fffffff), 0xfffffffeU);
     EXPECT_THROW(textValueSize(0x80000000), std::length_error);
     EXPECT_THROW(textValueSize(SIZE_MAX), std::length_error);
 }
 
-// A name that the C locale cannot show opens as an empty path does: as the parent.
-TEST_F(RegistryTest, SubKeysAreListedByTheirNames) {
+TEST_F(RegistryTest, ListsSubKeysByTheirNames) {
     std::set<std::string> names = {"a", "b", "B2", "c\xe9\xff", "d e", std::string(255, 'n')};
     for (const std::string& name : names) {
         key.createSubKey(name).setIntValue(name, 1);
     }
+    // A name that the C locale cannot represent opens as an empty path does: as the parent.
     RegSetKeyValueW(HKEY_CURRENT_USER, (widePath + L"\\\x3042\x3044").c_str(), L"hidden", REG_DWORD,
                     "", 0);
     names.insert(std::string(2, '\0'));
@@ -247,6 +396,13 @@ TEST_F(RegistryTest, SubKeysAreListedByTheirNames) {
         EXPECT_TRUE(subKey.hasValue(subKey.getName()));
     }
     EXPECT_EQ(listed, names);
+
+    // In Shift-JIS the name has four bytes and is cut off after two: that is one whole character.
+    std::setlocale(LC_CTYPE, ".932");
+    EXPECT_THROW(key.getSubKeys(), Registry::OpenError);
+    // A name of one such character is cut off inside it.
+    key.createSubKey("\x82\xa0");
+    EXPECT_THROW(key.getSubKeys(), std::length_error);
 }
 
 TEST(RegistryErrors, WhatIsComposedOnceAndNeverThrows) {
@@ -277,12 +433,14 @@ TEST(RegistryErrors, WhatIsComposedOnceAndNeverThrows) {
 }
 
 TEST_F(RegistryTest, FailedAllocationLeavesNoKeyOpen) {
+    key.createSubKey(R"(a\b)");
     tests::failEachAllocation([&](long, auto fail) {
         const std::size_t before = tests::handleCount();
         fail([&] {
-            for (const auto& open : waysToOpen) {
-                open();
-            }
+            const Registry opened(HKEY_CURRENT_USER, path);
+            key.openSubKey(R"(a\b)");
+            key.createSubKey("a");
+            key.getSubKeys();
         });
         EXPECT_EQ(tests::handleCount(), before);
     });
@@ -290,29 +448,47 @@ TEST_F(RegistryTest, FailedAllocationLeavesNoKeyOpen) {
 
 // A key that is closed too early, or twice, refuses to set a value; one that is left open counts.
 TEST_F(RegistryTest, EachKeyIsClosedWithItsLastObject) {
+    key.createSubKey("a");
+    const std::function<Registry()> waysToOpen[] = {
+        [&] { return Registry(HKEY_CURRENT_USER, path); },
+        [&] { return key.openSubKey("a"); },
+        [&] { return key.createSubKey("a"); },
+        [&] { return key.getSubKeys().at(0); },
+    };
     const std::size_t before = tests::handleCount();
-    {
-        const std::vector<Registry> moreThan16BitsCount(70'000, key);
-    }
     for (const auto& open : waysToOpen) {
         Registry first = open();
         const std::string name = first.getName();
         const Registry same = first.openSubKey("");  // an empty path opens nothing
+        EXPECT_EQ(same.getName(), "");
+
         Registry second = first;
         Registry* const self = &second;
         second = *self;
         second = std::move(*self);
+        second.setIntValue("open", 1);
+
         first = std::move(*self);
         EXPECT_EQ(second.getName(), "");
-        EXPECT_EQ(outcome([&] { second.setIntValue("open", 1); }), kUnbound);
+        EXPECT_EQ(errorOf([&] { second.setIntValue("open", 1); }), kUnbound);
+
         second = first;
         first = Registry();
         EXPECT_EQ(second.getName(), name);
-        EXPECT_EQ(outcome([&] { second.setIntValue("open", 1); }), "");
+        second.setIntValue("open", 1);
+
         second = Registry();
-        EXPECT_EQ(same.getName(), "");
-        EXPECT_EQ(outcome([&] { same.setIntValue("open", 1); }), "");
+        same.setIntValue("open", 1);
     }
+    EXPECT_EQ(tests::handleCount(), before);
+}
+
+TEST_F(RegistryTest, CountsMoreCopiesThan16BitsHold) {
+    const std::size_t before = tests::handleCount();
+    {
+        const std::vector<Registry> copies(70'000, key);
+    }
+    key.setIntValue("open", 1);
     EXPECT_EQ(tests::handleCount(), before);
 }
 
