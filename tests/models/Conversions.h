@@ -22,10 +22,13 @@ std::optional<std::basic_string<To>> convert(const Text& text, auto function) {
 inline void checkConversions(Input input) {
     using namespace Quend::Framework::Text;
 #ifdef _WIN32
-    std::setlocale(LC_CTYPE, input.oneOf({"C", ".1252", ".932"}));
+    const char* const locale = input.oneOf({"C", ".1252", ".932", ".UTF-8"});
 #else
-    std::setlocale(LC_CTYPE, input.oneOf({"C", "C.UTF-8"}));
+    const char* const locale = input.oneOf({"C", "C.UTF-8"});
 #endif
+    if (std::setlocale(LC_CTYPE, locale) == nullptr) {
+        std::setlocale(LC_CTYPE, "C");  // msvcrt has no UTF-8
+    }
     const unsigned mask = input.oneOf({0U, 0x7FU, 0xFFU, 0x7FFU, 0xFFFFU, 0x1FFFFFU});
     const unsigned frequent = input.oneOf({0x7AU, 0x20ACU, 0x3042U, 0x1F600U});
     std::string narrow;
