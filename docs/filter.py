@@ -10,11 +10,22 @@ import re
 import sys
 
 
+def is_inside(page):
+    return page.parent.name == "internals" or page.stem == "CONTRIBUTING"
+
+
 def label(page, heading=""):
-    name = pathlib.PurePath(page).stem.lower()
+    name = page.stem.lower()
     name = "index" if name in ("readme", "contributing") else name
     slug = re.sub(r"[^\w\- ]", "", heading).lower().replace(" ", "-")
     return f"{name}-{slug}" if slug else name
+
+
+def link(match):
+    page = (path.parent / match[1]).resolve()
+    if is_inside(path) and not is_inside(page):  # to the user's site
+        return f"](../{label(page)}.html{'#' + label(page, match[2]) if match[2] else ''})"
+    return f"](@ref {label(page, match[2] or '')})"
 
 
 path = pathlib.Path(sys.argv[1])
@@ -26,8 +37,7 @@ if path.suffix == ".md":
     body = re.sub(r"^##+ (.*)$", lambda match: f"{match[0]} {{#{label(path, match[1])}}}", body,
                   flags=re.M)
     text = f"{title}\n{body}"
-    text = re.sub(r"\]\(([^):]*)\.md(?:#([\w-]+))?\)",
-                  lambda match: f"](@ref {label(match[1], match[2] or '')})", text)
+    text = re.sub(r"\]\(([^):]*\.md)(?:#([\w-]+))?\)", link, text)
     # A picture stands in a comment, as other viewers of Markdown cannot draw it.
     text = re.sub(r"^<!-- (.dotfile .*) -->", r"\1", text, flags=re.M)
 else:
