@@ -1,5 +1,6 @@
-# The library, twice from the same sources: the DLL, and a static one that is never installed,
-# for what looks inside (white-box tests, benchmarks, examples/component).
+# The library, twice from the same sources: the DLL, and a static one that is never installed, for
+# what looks inside: white-box tests, benchmarks, programs that use the inner facilities. It is built
+# for those who link with it.
 
 set(headers
   include/Quend/Framework/Exceptions.h
@@ -86,9 +87,8 @@ if(MINGW)
     LINKER:--no-insert-timestamp LINKER:--disable-auto-image-base LINKER:--no-undefined)
 endif()
 
-if(QUEND_FRAMEWORK_TESTS)
-  quend_add_library(QuendFrameworkStatic STATIC)
-  target_compile_definitions(QuendFrameworkStatic PUBLIC QUEND_FRAMEWORK_STATIC)
-  target_include_directories(QuendFrameworkStatic INTERFACE ${PROJECT_SOURCE_DIR}/src)
-  target_compile_features(QuendFrameworkStatic INTERFACE cxx_std_20)
-endif()
+quend_add_library(QuendFrameworkStatic STATIC)
+set_target_properties(QuendFrameworkStatic PROPERTIES EXCLUDE_FROM_ALL ON)
+target_compile_definitions(QuendFrameworkStatic PUBLIC QUEND_FRAMEWORK_STATIC)
+target_include_directories(QuendFrameworkStatic INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_features(QuendFrameworkStatic INTERFACE cxx_std_20)

@@ -3,7 +3,7 @@
 
 package     packs BUILD and uses the zip as a stranger does: unpacks it, moves it, builds its
             examples as they stand, by CMake and by pkg-config, and runs them
-subproject  builds the library as a part of another project, and runs a program of that project
+subproject  builds the library as a part of another project, and runs the programs of that project
 pages       follows the links between the pages, looks for every block of C++ and CMake in a file
             that some test compiles, and runs the blocks for a Linux shell as they stand
 """
@@ -100,6 +100,8 @@ def subproject():
     inner = [*WORK.rglob("*Static*.a"), *WORK.glob("bin/*")]
     assert not inner, f"The parent got more than the library: {inner}"
     expect_output(GREETING, WORK / "parent.exe")
+    run("cmake", "--build", WORK, "--target", "inner")
+    expect_output("Messages that wait for a sink: 1", WORK / "inner.exe")
 
 
 def pages():
