@@ -9,32 +9,15 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/QuendFramework)
 install(TARGETS QuendFramework EXPORT QuendFramework FILE_SET HEADERS)
 install(EXPORT QuendFramework FILE QuendFrameworkTargets.cmake NAMESPACE Quend::
   DESTINATION ${package_dir})
-# A client runs with the release that it was linked with: the version is part of the DLL's name.
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuendFrameworkConfigVersion.cmake
-  COMPATIBILITY ExactVersion)
+configure_file(cmake/QuendFrameworkConfigVersion.cmake.in QuendFrameworkConfigVersion.cmake @ONLY)
 set(package_name Quend_Framework-${PROJECT_VERSION}-win64)
 if(MINGW)
-  # The version of MinGW-w64 and the C runtime, which a client must match.
-  file(WRITE ${PROJECT_BINARY_DIR}/mingw.cpp "#include <_mingw.h>\n")
-  if(CMAKE_CXX_COMPILER_TARGET)  # clang, which compiles for several
-    set(target --target=${CMAKE_CXX_COMPILER_TARGET})
-  endif()
-  execute_process(COMMAND ${CMAKE_CXX_COMPILER} ${target} -E -dM ${PROJECT_BINARY_DIR}/mingw.cpp
-    OUTPUT_VARIABLE macros COMMAND_ERROR_IS_FATAL ANY)
-  set(c_runtime msvcrt)
-  if(macros MATCHES "#define _UCRT")
-    set(c_runtime ucrt)
-  endif()
   string(APPEND package_name -mingw-${c_runtime})
-  foreach(part MAJOR MINOR)
-    string(REGEX MATCH "__MINGW64_VERSION_${part} ([0-9]+)" match "${macros}")
-    string(APPEND mingw_version .${CMAKE_MATCH_1})
-  endforeach()
-  string(SUBSTRING ${mingw_version} 1 -1 mingw_version)
-
   list(TRANSFORM runtime_libraries REPLACE ".*/" "" OUTPUT_VARIABLE runtime_names)
   configure_package_config_file(cmake/QuendFrameworkConfig.cmake.in QuendFrameworkConfig.cmake
     INSTALL_DESTINATION ${package_dir} NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+  install(FILES cmake/QuendFrameworkCompiler.cmake cmake/QuendFrameworkCompiler.h
+    DESTINATION ${package_dir})
 else()
   file(WRITE ${PROJECT_BINARY_DIR}/QuendFrameworkConfig.cmake
     "include(\${CMAKE_CURRENT_LIST_DIR}/QuendFrameworkTargets.cmake)\n")

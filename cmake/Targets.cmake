@@ -2,6 +2,14 @@
 # what looks inside: white-box tests, benchmarks, programs that use the inner facilities. It is built
 # for those who link with it.
 
+if(NOT MSVC)
+  include(cmake/QuendFrameworkCompiler.cmake)
+  quend_framework_ask_compiler(refusal c_runtime cxx_runtime)
+  if(refusal)
+    message(FATAL_ERROR "${refusal}")
+  endif()
+endif()
+
 set(headers
   include/Quend/Framework/Exceptions.h
   include/Quend/Framework/Export.h
@@ -62,7 +70,8 @@ if(MINGW)
   configure_file(${PROJECT_SOURCE_DIR}/src/Exports.def ${exports} @ONLY)
   target_sources(QuendFramework PRIVATE ${exports})
   # MSVC's linker and lld-link cannot use GCC's import library; LLVM makes one for them.
-  find_program(LLVM_DLLTOOL NO_CACHE NAMES llvm-dlltool-22 llvm-dlltool-19 llvm-dlltool)
+  file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/llvm-version llvm)
+  find_program(LLVM_DLLTOOL NO_CACHE NAMES llvm-dlltool-${llvm} llvm-dlltool)
   if(LLVM_DLLTOOL)
     set(import_library ${PROJECT_BINARY_DIR}/Quend_Framework_${PROJECT_VERSION}.lib)
     execute_process(COMMAND ${LLVM_DLLTOOL} -m i386:x86-64 -d ${exports} -l ${import_library}
@@ -71,13 +80,11 @@ if(MINGW)
     message(STATUS "No llvm-dlltool: the package will lack the import library for MSVC's linker.")
   endif()
   # GCC's runtime is shared with all modules of the process: beside the programs, in the package.
-  # It is found among the libraries of a cross compiler, and beside a compiler on Windows.
-  cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH compiler_folder)
-  foreach(name libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
-    find_file(file_${name} ${name}.dll REQUIRED NO_CACHE NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH
-      PATHS ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES} ${compiler_folder})
-    list(APPEND runtime_libraries ${file_${name}})
-  endforeach()
+  quend_framework_find_runtime(runtime_libraries)
+  if(NOT runtime_libraries)
+    message(FATAL_ERROR "This compiler has no libstdc++-6.dll, libgcc_s_seh-1.dll and "
+      "libwinpthread-1.dll, which Quend Framework shares with its clients.")
+  endif()
   if(PROJECT_IS_TOP_LEVEL)
     file(COPY ${runtime_libraries} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
   endif()

@@ -3,11 +3,13 @@
 
 package     packs BUILD and uses the zip as a stranger does: unpacks it, moves it, builds its
             examples as they stand, by CMake and by pkg-config, and runs them
+refusals    asks for the package with what it is not for: compilers, versions, systems
 subproject  builds the library as a part of another project, and runs the programs of that project
 pages       follows the links between the pages, looks for every block of C++ and CMake in a file
             that some test compiles, and runs the blocks for a Linux shell as they stand
 """
 
+import filecmp
 import os
 import pathlib
 import re
@@ -15,6 +17,7 @@ import shlex
 import shutil
 import subprocess
 import sys
+from typing import NamedTuple
 
 sys.dont_write_bytecode = True  # nothing is written beside the sources
 from pages import check_blocks, dead_links, run_shell_blocks
@@ -44,12 +47,15 @@ def expect_output(text, *program):
     assert text in printed, f"{program} printed:\n{printed}\ninstead of:\n{text}"
 
 
+# ---- package
+
 def package():
     run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", WORK / "packed")
     debug_zip, = WORK.glob("packed/*-debug.zip")
     name = debug_zip.name.removesuffix("-debug.zip")
     shutil.unpack_archive(WORK / f"packed/{name}.zip", WORK / "unpacked")
     home = (WORK / "unpacked" / name).rename(WORK / "moved to here")
+    runtime = home / "bin/libstdc++-6.dll"
 
     # The checksums, which leave out no file but their own.
     run("sha256sum", "--check", f"{name}.zip.sha256", cwd=WORK / "packed")
@@ -61,30 +67,30 @@ def package():
     dead = [*dead_links(home)]
     assert not dead, "The package has dead links:\n" + "\n".join(dead)
 
-    # The examples, by CMake. Those of the first module once more from elsewhere, as its page says.
+    # The examples, by CMake. The compiler's own runtime is not older than the package's.
     build_project(home / "examples", WORK / "build")
     expect_output(GREETING, WORK / "build/bin/quick-start.exe")
     expect_output("host: every reference was given back", WORK / "build/bin/host.exe",
                   home / "examples/modules/text.txt", home / "examples/modules/settings.txt")
+    copied = WORK / "build/bin/libstdc++-6.dll"
+    assert not filecmp.cmp(copied, runtime, shallow=False), "The compiler's runtime was not taken."
+
+    # Those of the first module once more from elsewhere, as its page says, and as if the package came
+    # from a compiler that is newer than this one.
+    config, = home.rglob("QuendFrameworkConfig.cmake")
+    config.write_text(re.sub(r"(VERSION_LESS) [\d.]+", r"\1 999", config.read_text()))
     first = shutil.copytree(home / "examples/first-module", WORK / "first-module")
     build_project(first, first / "build", f"-DCMAKE_PREFIX_PATH={home}")
     printed = re.search(r"\n```text\n([^`]+)```", (home / "docs/first-module.md").read_text())[1]
     expect_output(printed, first / "build/bin/guests.exe")
+    copied = first / "build/bin/libstdc++-6.dll"
+    assert filecmp.cmp(copied, runtime, shallow=False), "The package's runtime was not taken."
 
     flags = output("pkg-config", "--cflags", "--libs", "quend-framework",
                    env=os.environ | {"PKG_CONFIG_PATH": f"{home}/lib/pkgconfig"})
     run(CXX, home / "examples/quick-start/main.cpp", "-std=c++14",
         "-o", home / "bin/by-pkg-config.exe", *shlex.split(flags))
     expect_output(GREETING, home / "bin/by-pkg-config.exe")
-
-    # Compilers that the package is not for are refused in time. The second one only says what it is.
-    (WORK / "find.cmake").write_text("find_package(QuendFramework REQUIRED)\n")
-    for reason, setting in [("from source", "MSVC=TRUE"), (
-            "compiler's is ucrt", "CMAKE_CXX_COMPILER=cmake;-E;echo;#define _UCRT 1")]:
-        refusal = subprocess.run(
-            ["cmake", f"-D{setting}", f"-DCMAKE_PREFIX_PATH={home}", "-P", WORK / "find.cmake"],
-            capture_output=True, text=True, check=False).stderr
-        assert reason in " ".join(refusal.split()), f"not refused because of {reason}: {refusal}"
 
     # The DLL leads to its debug information, which knows its lines.
     shutil.unpack_archive(debug_zip, WORK / "debug")
@@ -94,6 +100,83 @@ def package():
     line = output(ADDR2LINE, "-e", library, symbol)
     assert re.match(r"/quend/src/core/\w+\.cpp:\d", line), f"findObject is at: {line}"
 
+
+# ---- refusals
+
+class Compiler(NamedTuple):
+    defines: str  # all that a stand-in for it says
+    real: str     # its name on Debian; tried as well on a machine that has it
+    refusal: str
+
+
+POSIX = "_GLIBCXX_GCC_GTHR_POSIX_H"
+COMPILERS = [
+    Compiler(f"__linux__ __x86_64__ __GLIBCXX__ {POSIX}", "g++",
+             "Quend Framework is for Windows, and this compiler makes programs for another system."),
+    Compiler(f"__MINGW32__ __i386__ __GLIBCXX__ {POSIX}", "i686-w64-mingw32-g++-posix",
+             "Quend Framework is for x86-64, and this compiler makes programs for 32 bits or for ARM."),
+    Compiler("__MINGW32__ __x86_64__ __GLIBCXX__ GCC_GTHR_WIN32_H", "x86_64-w64-mingw32-g++-win32",
+             "Quend Framework needs posix threads, and this compiler has win32 or mcf threads."),
+    Compiler(f"__MINGW32__ __x86_64__ __GLIBCXX__ {POSIX} __clang_major__=18", "",
+             "Quend Framework was tried with clang 19 and later, and this clang is older."),
+    Compiler("__MINGW32__ __x86_64__ _LIBCPP_VERSION __clang_major__=19", "",
+             "Quend Framework needs GCC's libstdc++, and this compiler uses another C++ library."),
+]
+OF_MSVCRT = Compiler(
+    f"__MINGW32__ __x86_64__ __GLIBCXX__ {POSIX}", "x86_64-w64-mingw32-g++-posix",
+    "This package is for ucrt: take the zip for this compiler's C runtime, msvcrt.")
+OF_UCRT = Compiler(
+    f"__MINGW32__ __x86_64__ __GLIBCXX__ {POSIX} _UCRT", "x86_64-w64-mingw32ucrt-g++",
+    "This package is for msvcrt: take the zip for this compiler's C runtime, ucrt.")
+
+
+def expect_refusal(sentence, *command):
+    """The command fails with one error, which has the sentence; the user's page has it, too."""
+    failed = subprocess.run(command, capture_output=True, text=True, check=False)
+    printed = " ".join(failed.stderr.split())
+    print(failed.stderr)
+    assert failed.returncode != 0 and sentence in printed, f"{command} was not refused: {sentence}"
+    assert printed.count("CMake Error") == 1 and ";" not in printed, "The error is not one sentence."
+    assert sentence in (ROOT / "docs/troubleshooting.md").read_text(), f"No page has: {sentence}"
+
+
+def refusals():
+    home = WORK / "home"
+    run("cmake", "--install", BUILD, "--component", "package", "--prefix", home)
+    script = WORK / "find.cmake"
+    script.write_text("find_package(QuendFramework ${VERSION} REQUIRED)\n")
+
+    def expect_script_refused(sentence, *settings):
+        expect_refusal(sentence, "cmake", f"-DCMAKE_PREFIX_PATH={home}", *settings, "-P", script)
+
+    is_for_ucrt = 'STREQUAL "ucrt"' in next(home.rglob("QuendFrameworkConfig.cmake")).read_text()
+    for compiler in [*COMPILERS, OF_MSVCRT if is_for_ucrt else OF_UCRT]:
+        defines = "".join(f"#define {name.replace('=', ' ')} " for name in compiler.defines.split())
+        expect_script_refused(compiler.refusal, f"-DCMAKE_CXX_COMPILER=cmake;-E;echo;{defines}")
+        if shutil.which(compiler.real):
+            system = ["-DCMAKE_SYSTEM_NAME=Windows"] if "mingw" in compiler.real else []
+            folder = WORK / compiler.real
+            expect_refusal(compiler.refusal, "cmake", "-S", home / "examples", "-B", folder,
+                           f"-DCMAKE_CXX_COMPILER={compiler.real}", "-G", "Ninja", *system)
+            assert not (folder / "build.ninja").exists(), "half a build was made"
+
+    expect_script_refused("This package is for MinGW-w64: with MSVC, build the library from source.",
+                          "-DMSVC=TRUE")
+    expect_script_refused("Quend Framework needs CXX among the languages of the project.")
+    expect_script_refused("1.1.12, which must be asked for by its full number", "-DVERSION=1.1")
+
+    # As a part of a project for another system, which finds nothing of ours in its cache.
+    folder = WORK / "parent"
+    expect_refusal("Quend Framework is for Windows, and this project is built for another system.",
+                   "cmake", "-S", ROOT / "tests/consumer/subproject", "-B", folder, "-G", "Ninja",
+                   f"-DQUEND={ROOT}", f"-DCMAKE_CXX_COMPILER={CXX}", "-DCMAKE_SYSTEM_NAME=Generic",
+                   "-DCMAKE_CXX_COMPILER_WORKS=TRUE")
+    names = re.findall(r"^(\w+):", (folder / "CMakeCache.txt").read_text(), re.M)
+    leaked = [name for name in names if re.match("QUEND_|QuendFramework|GTEST|gtest|BUILD_", name)]
+    assert not leaked, f"The parent's cache has: {leaked}"
+
+
+# ---- subproject, pages
 
 def subproject():
     build_project(ROOT / "tests/consumer/subproject", WORK, f"-DQUEND={ROOT}")
@@ -115,4 +198,5 @@ def pages():
 
 
 shutil.rmtree(WORK, ignore_errors=True)
-{"package": package, "subproject": subproject, "pages": pages}[TEST]()
+WORK.mkdir(parents=True)
+{"package": package, "refusals": refusals, "subproject": subproject, "pages": pages}[TEST]()
