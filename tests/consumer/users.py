@@ -17,10 +17,10 @@ import shlex
 import shutil
 import subprocess
 import sys
-from typing import NamedTuple
 
 sys.dont_write_bytecode = True  # nothing is written beside the sources
 from pages import check_blocks, dead_links, run_shell_blocks
+from refusals import refuse_compilers, refuse_parents, refuse_versions
 
 GREETING = "Trying to read unexistent property: height\n"  # of the first example
 TEST, root, build, CXX, NM, ADDR2LINE, TOOLCHAIN, *EMULATOR = sys.argv[1:]
@@ -46,8 +46,6 @@ def expect_output(text, *program):
     printed = output(*EMULATOR, *program)
     assert text in printed, f"{program} printed:\n{printed}\ninstead of:\n{text}"
 
-
-# ---- package
 
 def package():
     run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", WORK / "packed")
@@ -101,82 +99,12 @@ def package():
     assert re.match(r"/quend/src/core/\w+\.cpp:\d", line), f"findObject is at: {line}"
 
 
-# ---- refusals
-
-class Compiler(NamedTuple):
-    defines: str  # all that a stand-in for it says
-    real: str     # its name on Debian; tried as well on a machine that has it
-    refusal: str
-
-
-POSIX = "_GLIBCXX_GCC_GTHR_POSIX_H"
-COMPILERS = [
-    Compiler(f"__linux__ __x86_64__ __GLIBCXX__ {POSIX}", "g++",
-             "Quend Framework is for Windows, and this compiler makes programs for another system."),
-    Compiler(f"__MINGW32__ __i386__ __GLIBCXX__ {POSIX}", "i686-w64-mingw32-g++-posix",
-             "Quend Framework is for x86-64, and this compiler makes programs for 32 bits or for ARM."),
-    Compiler("__MINGW32__ __x86_64__ __GLIBCXX__ GCC_GTHR_WIN32_H", "x86_64-w64-mingw32-g++-win32",
-             "Quend Framework needs posix threads, and this compiler has win32 or mcf threads."),
-    Compiler(f"__MINGW32__ __x86_64__ __GLIBCXX__ {POSIX} __clang_major__=18", "",
-             "Quend Framework was tried with clang 19 and later, and this clang is older."),
-    Compiler("__MINGW32__ __x86_64__ _LIBCPP_VERSION __clang_major__=19", "",
-             "Quend Framework needs GCC's libstdc++, and this compiler uses another C++ library."),
-]
-OF_MSVCRT = Compiler(
-    f"__MINGW32__ __x86_64__ __GLIBCXX__ {POSIX}", "x86_64-w64-mingw32-g++-posix",
-    "This package is for ucrt: take the zip for this compiler's C runtime, msvcrt.")
-OF_UCRT = Compiler(
-    f"__MINGW32__ __x86_64__ __GLIBCXX__ {POSIX} _UCRT", "x86_64-w64-mingw32ucrt-g++",
-    "This package is for msvcrt: take the zip for this compiler's C runtime, ucrt.")
-
-
-def expect_refusal(sentence, *command):
-    """The command fails with one error, which has the sentence; the user's page has it, too."""
-    failed = subprocess.run(command, capture_output=True, text=True, check=False)
-    printed = " ".join(failed.stderr.split())
-    print(failed.stderr)
-    assert failed.returncode != 0 and sentence in printed, f"{command} was not refused: {sentence}"
-    assert printed.count("CMake Error") == 1 and ";" not in printed, "The error is not one sentence."
-    assert sentence in (ROOT / "docs/troubleshooting.md").read_text(), f"No page has: {sentence}"
-
-
 def refusals():
-    home = WORK / "home"
-    run("cmake", "--install", BUILD, "--component", "package", "--prefix", home)
-    script = WORK / "find.cmake"
-    script.write_text("find_package(QuendFramework ${VERSION} REQUIRED)\n")
+    run("cmake", "--install", BUILD, "--component", "package", "--prefix", WORK / "home")
+    refuse_compilers(ROOT, WORK / "home", WORK)
+    refuse_versions(ROOT, WORK / "home", WORK)
+    refuse_parents(ROOT, WORK, CXX)
 
-    def expect_script_refused(sentence, *settings):
-        expect_refusal(sentence, "cmake", f"-DCMAKE_PREFIX_PATH={home}", *settings, "-P", script)
-
-    is_for_ucrt = 'STREQUAL "ucrt"' in next(home.rglob("QuendFrameworkConfig.cmake")).read_text()
-    for compiler in [*COMPILERS, OF_MSVCRT if is_for_ucrt else OF_UCRT]:
-        defines = "".join(f"#define {name.replace('=', ' ')} " for name in compiler.defines.split())
-        expect_script_refused(compiler.refusal, f"-DCMAKE_CXX_COMPILER=cmake;-E;echo;{defines}")
-        if shutil.which(compiler.real):
-            system = ["-DCMAKE_SYSTEM_NAME=Windows"] if "mingw" in compiler.real else []
-            folder = WORK / compiler.real
-            expect_refusal(compiler.refusal, "cmake", "-S", home / "examples", "-B", folder,
-                           f"-DCMAKE_CXX_COMPILER={compiler.real}", "-G", "Ninja", *system)
-            assert not (folder / "build.ninja").exists(), "half a build was made"
-
-    expect_script_refused("This package is for MinGW-w64: with MSVC, build the library from source.",
-                          "-DMSVC=TRUE")
-    expect_script_refused("Quend Framework needs CXX among the languages of the project.")
-    expect_script_refused("1.1.12, which must be asked for by its full number", "-DVERSION=1.1")
-
-    # As a part of a project for another system, which finds nothing of ours in its cache.
-    folder = WORK / "parent"
-    expect_refusal("Quend Framework is for Windows, and this project is built for another system.",
-                   "cmake", "-S", ROOT / "tests/consumer/subproject", "-B", folder, "-G", "Ninja",
-                   f"-DQUEND={ROOT}", f"-DCMAKE_CXX_COMPILER={CXX}", "-DCMAKE_SYSTEM_NAME=Generic",
-                   "-DCMAKE_CXX_COMPILER_WORKS=TRUE")
-    names = re.findall(r"^(\w+):", (folder / "CMakeCache.txt").read_text(), re.M)
-    leaked = [name for name in names if re.match("QUEND_|QuendFramework|GTEST|gtest|BUILD_", name)]
-    assert not leaked, f"The parent's cache has: {leaked}"
-
-
-# ---- subproject, pages
 
 def subproject():
     build_project(ROOT / "tests/consumer/subproject", WORK, f"-DQUEND={ROOT}")
