@@ -2,6 +2,7 @@
 // the environment variable LOGFILE names.
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "ConsoleSink.h"
@@ -51,7 +52,7 @@ class Provider final : public LogSinkProvider {
 
 }  // namespace
 
-// With noexcept, an exception ends the program; it must not pass an extern "C" function.
+// Nothing may be thrown out of here: it would end the program. Null refuses to be loaded.
 extern "C" __declspec(dllexport) LogSinkProvider* createLogSinkProvider() noexcept {
-    return new Provider;
+    return new (std::nothrow) Provider;
 }
