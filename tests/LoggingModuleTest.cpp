@@ -88,28 +88,56 @@ TEST(LoggingPluginDeathTest, ExceptionOutOfTheEntryPointEndsTheProgram) {
     EXPECT_DEATH(manager.loadPluginLibrary(kPlugin), "");
 }
 
-HANDLE entered = nullptr;
+void printEvent(std::string_view piece) {
+    std::fwrite(piece.data(), 1, piece.size(), stderr);
+}
 
-void exitWithModuleLoaded(const char* text, bool isThreadInside) {
-    entered = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    std::thread thread([text] {
-        const HMODULE module = LoadLibraryW(kModule);
-        const auto plugin = preparePlugin([](std::string_view piece) {
-            std::fwrite(piece.data(), 1, piece.size(), stderr);
-            piece == " " ? SetEvent(entered) : TRUE;
-        });
-        exportOf<LogInModule>(module, "logInModule")(kPlugin, 1, text);
-    });
-    WaitForSingleObject(entered, INFINITE);
-    isThreadInside ? thread.detach() : thread.join();
+// A module logs to the sink of its plug-in; then the process ends.
+void exitWithPluginLoaded() {
+    const HMODULE module = LoadLibraryW(kModule);
+    const auto plugin = preparePlugin(printEvent);
+    exportOf<LogInModule>(module, "logInModule")(kPlugin, 1, "text");
     std::exit(7);
 }
 
-TEST(LoggingPluginDeathTest, ProcessExitDoesNotWaitForAThreadStoppedInASink) {
-    EXPECT_EXIT(exitWithModuleLoaded("text", false), testing::ExitedWithCode(7),
+HANDLE sinkEntered = nullptr;
+
+void printEventAndSayWhenBlocked(std::string_view piece) {
+    printEvent(piece);
+    if (piece == "block") {
+        SetEvent(sinkEntered);
+    }
+}
+
+// The process ends while a thread is stopped in a sink of `blocked`, under its lock.
+void exitWithThreadInside(const wchar_t* blocked, const wchar_t* itsPlugin) {
+    const HMODULE module = LoadLibraryW(kModule);
+    const HMODULE plugin = LoadLibraryW(kPlugin);
+    sinkEntered = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    for (const HMODULE each : {module, plugin}) {
+        exportOf<PrepareModule>(each, "prepareModule")(printEventAndSayWhenBlocked,
+                                                       EntryPoint::kReturnsProvider);
+    }
+    exportOf<LogInModule>(module, "logInModule")(kPlugin, 1, "text");
+    std::thread([=] {
+        auto* const logInModule = exportOf<LogInModule>(GetModuleHandleW(blocked), "logInModule");
+        logInModule(itsPlugin, 1, "block");
+    }).detach();
+    WaitForSingleObject(sinkEntered, INFINITE);
+    std::exit(7);
+}
+
+// The plug-in's own clean-up comes first; then its provider logs once more when it is deleted.
+TEST(LoggingPluginDeathTest, ProcessExitEndsThePlugins) {
+    EXPECT_EXIT(exitWithPluginLoaded(), testing::ExitedWithCode(7),
                 "^pown:1text gone ~p -pown $");
-    EXPECT_EXIT(exitWithModuleLoaded("block", true), testing::ExitedWithCode(7),
-                "^pown:1block gone $");
+}
+
+TEST(LoggingPluginDeathTest, ProcessExitDoesNotWaitForAThreadStoppedInASink) {
+    EXPECT_EXIT(exitWithThreadInside(kModule, nullptr), testing::ExitedWithCode(7),
+                "^pown:1text pown:1block gone gone $");
+    EXPECT_EXIT(exitWithThreadInside(kPlugin, kModule), testing::ExitedWithCode(7),
+                "^pown:1text pown:1block gone gone ~own ~p -pown $");
 }
 
 using Getenv = errno_t (*)(std::size_t*, wchar_t*, std::size_t, const wchar_t*);

@@ -168,6 +168,29 @@ TEST_F(Logging, LogMessageLogsUpToANulAndNothingAtLevelZero) {
     EXPECT_EQ(takeEvents(), "pc:4000000000 pc:10cut ");
 }
 
+TEST_F(Logging, EndedManagerIsFollowedByAnEmptyOne) {
+    addProvider("p");
+    manager.log(manager.getChannel("c"), 1, "text");
+    manager.endAtUnload();
+    EXPECT_EQ(takeEvents(), "pc:1text ~p -pc ");
+    // At process exit, a plug-in's clean-up may log after that.
+    auto* const channel = manager.getChannel("c");
+    EXPECT_TRUE(channel->channel->sinks.empty());
+    manager.log(channel, 1, "last words");
+    EXPECT_EQ(channel->channel->cache.size(), 1U);
+}
+
+// Otherwise the one that follows at unload would leak.
+TEST_F(Logging, UnusedManagerHoldsNoMemory) {
+    expectNoAllocation([] { const LogManager unused; });
+    const long before = liveBlocks;
+    alignas(LogManager) std::byte memory[sizeof(LogManager)];
+    auto* const used = new (memory) LogManager;
+    used->log(used->getChannel("c"), 1, kLongText);
+    used->endAtUnload();
+    EXPECT_EQ(liveBlocks, before);
+}
+
 TEST(RecursiveMutex, IsFreeOnceEveryLockIsGivenBack) {
     Quend::Framework::RecursiveMutex mutex;
     const auto tryLock = [&] { return mutex.try_lock() && (mutex.unlock(), true); };

@@ -45,8 +45,9 @@ std::mutex randomMutex;
 
 namespace Logging {
 
-// Both live in memory that is never freed. Another object ends each of them at unload: the manager
-// only if its lock is free, the registry by emptying it, as the manager still reads it afterwards.
+// Both live in memory that is never freed, and can be called as long as the process runs. Another
+// object ends each of them at unload: it replaces the manager by an unused one, and empties the
+// registry, which the manager still reads afterwards.
 namespace {
 alignas(LogManager) std::byte managerMemory[sizeof(LogManager)];
 alignas(ProviderRegistry) std::byte registryMemory[sizeof(ProviderRegistry)];
@@ -56,7 +57,7 @@ LogManager& logManager = *new (managerMemory) LogManager;
 
 namespace {
 const struct EndManagerAtUnload {
-    ~EndManagerAtUnload() { logManager.destroyUnlessHeld(); }
+    ~EndManagerAtUnload() { logManager.endAtUnload(); }
 } endManagerAtUnload;
 }  // namespace
 

@@ -22,8 +22,11 @@ LogManager::~LogManager() { shutdownLogging(); }
 
 ChannelHandle LogManager::getChannel(const char* name) {
     const std::lock_guard lock(mutex);
-    const auto found = channels.find(std::string_view(name));
-    if (found != channels.end()) {
+    if (!channels) {
+        channels.emplace();
+    }
+    const auto found = channels->find(std::string_view(name));
+    if (found != channels->end()) {
         return found->second.get();
     }
     auto slot = std::make_unique<ChannelSlot>(ChannelSlot{std::make_unique<LogChannel>(name)});
@@ -31,7 +34,7 @@ ChannelHandle LogManager::getChannel(const char* name) {
     attachSinks(*slot->channel);
     // From here on `name` is not read: a provider may have changed or freed the caller's buffer.
     const std::string& key = slot->channel->name;
-    return channels.try_emplace(key, std::move(slot)).first->second.get();
+    return channels->try_emplace(key, std::move(slot)).first->second.get();
 }
 
 void LogManager::log(ChannelHandle handle, std::uint32_t level, const char* text) {
@@ -95,18 +98,18 @@ void LogManager::shutdownLogging() {
         library.reset();
     }
     pluginLibraries.clear();
-    while (!channels.empty()) {  // first to last, which clear() does not promise
-        channels.erase(channels.begin());
+    while (channels && !channels->empty()) {  // first to last, which clear() does not promise
+        channels->erase(channels->begin());
     }
     modulesOfSinks.clear();
 }
 
-void LogManager::destroyUnlessHeld() {
-    std::unique_lock lock(mutex, std::try_to_lock);
-    if (lock) {
-        lock.unlock();
-        this->~LogManager();
+void LogManager::endAtUnload() noexcept {
+    if (mutex.try_lock()) {
+        mutex.unlock();
+        std::destroy_at(this);
     }
+    std::construct_at(this);
 }
 
 ChannelHandle getChannel(const char* name) { return logManager.getChannel(name); }

@@ -12,6 +12,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,18 +62,21 @@ class LogManager {
     /// Requires: no other call is running.
     void shutdownLogging();
 
-    /// Destroys the process-wide manager at unload, unless another thread holds the lock.
+    /// Destroys the process-wide manager at unload and puts an unused one in its place: at process
+    /// exit a module's clean-up may still log after its own manager has ended.
     ///
-    /// At process exit the other threads are stopped anywhere. A lock that one of them holds is
-    /// never free again, and waiting for it would hang the exit; so nothing is released then.
-    void destroyUnlessHeld();
+    /// At process exit the other threads are stopped anywhere. If one of them holds the lock, it is
+    /// never free again, and waiting for it would hang the exit. The manager is abandoned then, and
+    /// nothing is released.
+    void endAtUnload() noexcept;
 
  private:
     /// std::less<> finds a `const char*` without making a std::string of it first.
     using ChannelMap = std::map<std::string, std::unique_ptr<ChannelSlot>, std::less<>>;
 
-    /// All guarded by mutex.
-    ChannelMap channels;
+    /// All guarded by mutex. An unused manager holds no memory, so that the one that nobody
+    /// destroys at unload leaks none; some libraries allocate for an empty map.
+    std::optional<ChannelMap> channels;
     std::vector<std::unique_ptr<PluginLibrary>> pluginLibraries;
     std::vector<std::unique_ptr<LogSinkProvider>> ownedProviders;
     RecursiveMutex mutex;
