@@ -6,10 +6,10 @@
 /// Likewise, a process that the host starts in another thread at the same moment, with inheriting
 /// of handles, inherits our pipe ends: the command then lasts until that process ends.
 ///
-/// Threading: any thread, any number at once, but never DllMain: the call would not return, since
-/// it waits for a thread that cannot begin before DllMain ends. Commands start one at a time. One
-/// that has to wait for another tries again after each tick of the system's timer, which is 15.6 ms
-/// long by default.
+/// Threading: any thread, any number at once, but never from DllMain: runCommand would not return,
+/// since it waits for a thread that cannot begin before DllMain ends. Commands start one at a time.
+/// One that has to wait for another tries again after each tick of the system's timer, which is
+/// 15.6 ms long by default.
 ///
 /// Ownership: no thread and no handle is left after a call. After the time limit the child process
 /// goes on. Built with MSVC, the pool thread of runCommand's task may keep the DLL loaded for a

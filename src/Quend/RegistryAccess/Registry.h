@@ -71,17 +71,20 @@ class Registry {
     /// Returns the text of a value of any type, read as UTF-16 up to its first NUL: as many bytes
     /// as it has code units, all of them NUL if the encoding cannot represent one. Outside the C
     /// locale, Microsoft's runtime may instead convert it to a look-alike: a capital omega becomes
-    /// O in code page 1252. The values are listed until one has exactly this name: case matters
-    /// here, unlike everywhere else in the registry. Throws: NotFound if no name matches; OpenError
-    /// if a value of more than 261 bytes or with a name of more than 260 units comes first, or is
-    /// the one wanted: a text of more than 130 units cannot be read.
+    /// O in code page 1252.
+    ///
+    /// The values are listed until one has exactly this name: case matters here, unlike everywhere
+    /// else in the registry.
+    /// Throws: NotFound if no name matches; OpenError if a value of more than 261 bytes or with a
+    /// name of more than 260 units comes first or is the one wanted, so a text of more than 130
+    /// units cannot be read.
     std::vector<char> getStringValue(const std::string& valueName) const;
 
-    /// Writes a REG_SZ value of two bytes for each byte of `text`; from 131 bytes on,
-    /// getStringValue cannot read it back. A terminator is written only if `text` ends with one. If
-    /// the converted text is shorter, because `text` holds a NUL or characters of several bytes,
-    /// NULs fill the rest. Throws: std::length_error if `text` has 2 GB or more, before any
-    /// platform call.
+    /// Writes a REG_SZ value of two bytes for each byte of `text`. A terminator is counted only if
+    /// `text` ends with one; the platform may add one. If the converted text is shorter, because
+    /// `text` holds a NUL or characters of several bytes, NULs fill the rest.
+    /// getStringValue reads at most 129 bytes back, or 130 with a terminator.
+    /// Throws: std::length_error if `text` has 2 GB or more, before any platform call.
     void setStringValue(const std::string& valueName, const std::vector<char>& text) const;
 
     /// Writes a REG_DWORD value.
