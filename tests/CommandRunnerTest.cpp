@@ -384,6 +384,7 @@ TEST_F(CommandRunner, WaitsUntilAnotherHasStarted) {
     HeldStart start;
     const tests::Hook process("CreateProcessA", CreateProcessA,
                               [&](auto...) { return start.createProcess(); });
+    const Handle secondBegins = makeEvent();
     std::vector<HANDLE> writeEnds;
     const tests::Hook createPipe(
         "CreatePipe", CreatePipe,
@@ -392,11 +393,17 @@ TEST_F(CommandRunner, WaitsUntilAnotherHasStarted) {
                 DWORD flags = 0;
                 EXPECT_FALSE(GetHandleInformation(writeEnds[0], &flags)) << "still open";
                 EXPECT_FALSE(GetHandleInformation(writeEnds[1], &flags)) << "still open";
+                SetEvent(secondBegins.get());
             }
             const BOOL isMade = real(readEnd, writeEnd, security, size);
             writeEnds.push_back(*writeEnd);
             return isMade;
         });
+    // The first command does not end before the second begins.
+    const tests::Hook read("ReadFile", ReadFile, [&](auto real, auto... arguments) {
+        await(secondBegins);
+        return real(arguments...);
+    });
     auto first = std::async(std::launch::async, executeCommand, "", makeFlag());
     await(start.isHeld);
     const tests::Hook sleep("Sleep", Sleep, [&](auto real, DWORD milliseconds) {
