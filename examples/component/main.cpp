@@ -15,14 +15,15 @@ struct Step {
 
 constexpr Step kSteps[] = {
     {"logging", "[LOGFILE]",
-     "Logs before and after a plug-in with sinks is loaded: messages wait in a cache of 101, then\n"
-     "appear on the console and in LOGFILE (component.log).",
+     "Logs before and after a plug-in with sinks is loaded. Messages of a channel that was "
+     "created\n"
+     "before stay in a cache of 101; those of a later one appear on the console and in LOGFILE\n"
+     "(component.log).",
      showLogging},
     {"registry", "[KEY [VALUE...]]",
-     "Prints the tree below KEY of the Windows registry (HKCU\\Environment) with the VALUEs that\n"
-     "its keys have (TEMP, TMP). Then makes a small tree of its own below HKCU\\Software, prints "
-     "it\n"
-     "and deletes it.",
+     "Prints the tree of HKEY_CURRENT_USER\\KEY (Environment) in the Windows registry, with the\n"
+     "VALUEs that its keys have (TEMP, TMP). Then makes a small tree of its own below\n"
+     "HKEY_CURRENT_USER\\Software, prints it and deletes it.",
      showRegistry},
     {"commands", "[COMMAND...]",
      "Runs each COMMAND through cmd.exe and shows what it wrote to its standard output.",
