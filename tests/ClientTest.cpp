@@ -9,6 +9,7 @@
 #include <Quend/Framework/ObjectReference.h>
 #include <Quend/Framework/ReadPropertyOr.h>
 
+#include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
 
 namespace {
@@ -54,7 +55,6 @@ struct Counted : IRegisteredObject {
 };
 struct Other : Counted {};
 
-using Factory = IRegisteredObject* (*)();
 IRegisteredObject* makeNull() { return nullptr; }
 IRegisteredObject* makeCounted() { return new Counted; }
 IRegisteredObject* makeOther() { return new Other; }
@@ -64,44 +64,172 @@ using Reference = ObjectReference<Counted>;
 static_assert(!std::is_copy_constructible_v<Reference>, "one object, one reference");
 static_assert(std::is_nothrow_move_constructible_v<Reference>, "for containers");
 
-TEST(ObjectReference, HoldsItsReferenceUntilItsEnd) {
+// What a module that has only the interface sees of an object that another module implements.
+struct IGuestList {
+    virtual void add(const std::string& name) = 0;
+    virtual std::size_t size() const = 0;
+
+ protected:
+    ~IGuestList() = default;
+};
+
+class GuestList : public Counted, public IGuestList {
+ public:
+    void add(const std::string& name) override { names.push_back(name); }
+    std::size_t size() const override { return names.size(); }
+
+ private:
+    std::vector<std::string> names;
+};
+
+TEST(ObjectReference, SharesAnObjectUntilTheLastReferenceEnds) {
+    std::optional<ObjectReference<GuestList>> reception("guest list");
+    (*reception)->add("Ada");
+
+    ObjectReference<GuestList> kitchen("guest list");
+    EXPECT_EQ(kitchen->size(), 1) << "not the same list";
+
+    reception.reset();
+    kitchen->add("Grace");
+    EXPECT_EQ(kitchen->size(), 2);
+    EXPECT_EQ(living, 1);
+
+    kitchen = ObjectReference<GuestList>("another list");
+    EXPECT_EQ(findObject("guest list"), nullptr) << "a reference was kept";
+    EXPECT_EQ(living, 1);
+}
+
+TEST(ObjectReference, ExistingFindsAnObjectAndCreatesNone) {
     {
-        const Reference unnamed("");  // what one that was moved from would give back
-        const Reference first("shared");
-        {
-            Reference moved("shared", refuse);  // not called: the object is there
-            Reference assigned("other one");
-            Reference last(std::move(moved));
-            assigned = std::move(last);  // gives "other one" back
-            EXPECT_EQ(findObject("other one"), nullptr);
-            EXPECT_EQ(&*assigned, first.get());
-            EXPECT_EQ(assigned.operator->(), first.get());
-        }
-        EXPECT_EQ(findObject("shared"), first.get()) << "a reference too many was given back";
-        EXPECT_EQ(findObject(""), unnamed.get());
-        EXPECT_EQ(ObjectReference<IRegisteredObject>("shared").get(), first.get());
+        const auto tooEarly = ObjectReference<IGuestList>::existing("guest list");
+        EXPECT_FALSE(tooEarly);
+        EXPECT_EQ(tooEarly.get(), nullptr);
     }
-    EXPECT_EQ(findObject("shared"), nullptr) << "a reference was kept";
     EXPECT_EQ(living, 0);
+
+    std::optional<ObjectReference<GuestList>> reception("guest list");
+    EXPECT_TRUE(*reception);
+    const auto kitchen = ObjectReference<IGuestList>::existing("guest list");
+    ASSERT_TRUE(kitchen);
+    EXPECT_EQ(kitchen.get(), reception->get());
+
+    reception.reset();
+    kitchen->add("Ada");
+    EXPECT_EQ(kitchen->size(), 1) << "the reference is one of its own";
+}
+
+TEST(ObjectReference, ExistingLeavesTheCountAsItWasIfThereIsNoSuchObject) {
+    {
+        const Reference counted("name");
+        EXPECT_THROW(ObjectReference<Other>::existing("name"), InvalidArgument);
+    }
+    EXPECT_EQ(living, 0) << "a reference was kept";
+
+    registerObject("name", makeNull);
+    EXPECT_FALSE(Reference::existing("name"));
+    unregisterObject("name");
+    const Reference counted("name");  // refused if null were still held
+    EXPECT_EQ(living, 1);
+}
+
+// A guest that left anything behind, if only for a moment, would make the owner's creation fail.
+TEST(ObjectReference, ExistingIsAtomicBesideAnOwner) {
+    std::atomic<bool> isOver{false};
+    const auto own = [&] {
+        for (int round = 0; round < 50'000; ++round) {
+            const ObjectReference<GuestList> list("guest list");
+        }
+        isOver = true;
+    };
+    const auto visit = [&] {
+        while (!isOver) {
+            if (const auto list = ObjectReference<IGuestList>::existing("guest list")) {
+                list->add("Ada");
+            }
+        }
+    };
+    tests::inThreads(2, [&](unsigned thread) {
+        if (thread == 0) {
+            own();
+        } else {
+            visit();
+        }
+    });
+    EXPECT_EQ(findObject("guest list"), nullptr);
+    EXPECT_EQ(living, 0);
+}
+
+#ifdef __GNUC__  // the name under which this compiler imports findObject
+TEST(ObjectReference, ExistingIsEmptyIfTheLastReferenceEndsWhileItLooks) {
+    std::optional<Reference> owner("guest list");
+    const tests::Hook hook("_ZN5Quend9Framework10Management13MemoryManager10findObjectEPKc",
+                           findObject, [&](auto* real, const char* name) {
+                               IRegisteredObject* const found = real(name);
+                               owner.reset();
+                               return found;
+                           });
+    EXPECT_FALSE(Reference::existing("guest list"));
+    EXPECT_EQ(findObject("guest list"), nullptr) << "something was recorded";
+    EXPECT_EQ(living, 0);
+}
+#endif
+
+TEST(ObjectReference, MovesItsReference) {
+    const Reference unnamed("");  // what one that was moved from would give back
+    const Reference first("shared");
+    {
+        Reference moved("shared", refuse);  // not called: the object is there
+        Reference assigned("other one");
+        Reference last(std::move(moved));
+        assigned = std::move(last);
+        EXPECT_EQ(findObject("other one"), nullptr) << "the old reference was kept";
+        EXPECT_EQ(&*assigned, first.get());
+        EXPECT_EQ(assigned.operator->(), first.get());
+    }
+    EXPECT_EQ(findObject("shared"), first.get()) << "a reference too many was given back";
+    EXPECT_EQ(findObject(""), unnamed.get());
 }
 
 // Whatever the name holds before and the factory returns, the name has as many references
 // afterwards.
-TEST(ObjectReference, NeverHoldsNullNorAnotherType) {
-    using Row = std::pair<Factory, Factory>;  // the first is null if the name is free
-    for (const auto& [before, factory] :
-         {Row{nullptr, makeNull}, Row{makeNull, makeOther}, Row{makeNull, makeNull},
-          Row{makeCounted, makeOther}, Row{nullptr, makeCounted}}) {
-        before != nullptr ? registerObject("name", before) : nullptr;
+TEST(ObjectReference, ConstructorNeverHoldsNullNorAnotherType) {
+    struct Case {
+        const char* description;
+        Factory heldBefore;  // null if the name is free
+        Factory factory;
+    };
+    for (const Case& each : {
+             Case{.description = "the factory returns null",
+                  .heldBefore = nullptr,
+                  .factory = makeNull},
+             Case{.description = "the factory creates another type",
+                  .heldBefore = nullptr,
+                  .factory = makeCounted},
+             Case{.description = "the name is held with another type",
+                  .heldBefore = makeCounted,
+                  .factory = makeOther},
+             Case{.description = "the name is held with null, and the factory creates",
+                  .heldBefore = makeNull,
+                  .factory = makeOther},
+             Case{.description = "the name is held with null, and the factory returns null",
+                  .heldBefore = makeNull,
+                  .factory = makeNull},
+         }) {
+        SCOPED_TRACE(each.description);
+        if (each.heldBefore != nullptr) {
+            registerObject("name", each.heldBefore);
+        }
         const int livingBefore = living;
         try {
-            const ObjectReference<Other> reference("name", factory);
+            const ObjectReference<Other> reference("name", each.factory);
             ADD_FAILURE() << "nothing was thrown";
         } catch (const InvalidArgument& error) {
             EXPECT_EQ(error.getMessage(), "The registered object is null or of another type: name");
         }
         EXPECT_EQ(living, livingBefore);
-        before != nullptr ? unregisterObject("name") : void();
+        if (each.heldBefore != nullptr) {
+            unregisterObject("name");
+        }
         // Free now: were a reference left, this would count one more and keep the object.
         registerObject("name", makeOther);
         unregisterObject("name");

@@ -1,6 +1,3 @@
-/// \file
-/// The table behind registerObject, findObject and unregisterObject; their contract is in
-/// <Quend/Framework/MemoryManager.h>.
 #pragma once
 
 #include <cstdint>
@@ -14,13 +11,14 @@
 
 namespace Quend::Framework::Management::MemoryManager {
 
-using Factory = IRegisteredObject* (*)();
-
+/// What the registry records of one name.
 struct ObjectEntry {
     IRegisteredObject* object;  // null if the factory returned null
     std::uint32_t referenceCount;
 };
 
+/// The table behind registerObject, findObject and unregisterObject; their contract is in
+/// <Quend/Framework/MemoryManager.h>.
 class ObjectRegistry {
  public:
     IRegisteredObject* registerObject(const char* name, Factory factory);

@@ -26,7 +26,7 @@ namespace MemoryManager {
 /// On failure: returns null.
 QUEND_FRAMEWORK_API void* allocate(unsigned __int64 size);
 
-/// Changes the size of `p`, which may be null: realloc of the same heap.
+/// Changes the size of the block `p`, which may be null: realloc of the same heap.
 /// On failure: returns null, and `p` is still allocated.
 QUEND_FRAMEWORK_API void* reallocate(void* p, unsigned __int64 size);
 
@@ -38,6 +38,7 @@ QUEND_FRAMEWORK_API void deallocate(void* p);
 ///
 /// The destructor runs under the registry's lock and must not throw. A call from it back into the
 /// registry throws std::system_error, which it must catch.
+/// Requires: of the destructor, the same as of a Factory.
 class QUEND_FRAMEWORK_API IRegisteredObject {
  public:
     IRegisteredObject();
@@ -46,22 +47,28 @@ class QUEND_FRAMEWORK_API IRegisteredObject {
     IRegisteredObject& operator=(const IRegisteredObject& other);
 };
 
-/// Takes one reference on `name` and returns its object, which `factory` creates if there is none.
+/// Creates an object for the registry.
 ///
-/// `factory` runs under the lock. A call from it back into the registry throws std::system_error
-/// (std::errc::resource_deadlock_would_occur) there and changes nothing.
+/// It runs under the registry's lock. A call from it back into the registry throws
+/// std::system_error (std::errc::resource_deadlock_would_occur) there and changes nothing.
+/// Requires: it neither loads or unloads a module nor waits for a thread that uses the registry.
+/// Either can deadlock: the first with a module that calls the registry from DllMain or from the
+/// constructor of a global. An exception of another compiler's code must not leave it, or the lock
+/// is held for ever.
+using Factory = IRegisteredObject* (*)();
+
+/// Takes one reference on `name` and returns its object, which `factory` creates if there is none.
 ///
 /// If `factory` returns null, the name is held without an object. Each further call for such a name
 /// counts a reference, calls its own factory and returns what that creates, but does not record it:
-/// the caller keeps that object. The reference counts even if the call throws; one more
-/// unregisterObject gives it back.
+/// the caller keeps that object.
 ///
 /// Throws: what `factory` throws; std::bad_alloc; std::system_error if the lock cannot be taken.
 /// Ownership: the registry owns the object until the last unregisterObject(name).
-/// On failure: nothing is recorded and the lock is free. If memory runs out after `factory` has
-/// run, its object stays allocated, since it may be in use.
-QUEND_FRAMEWORK_API IRegisteredObject* registerObject(const char* name,
-                                                      IRegisteredObject* (*factory)());
+/// On failure: nothing is recorded and the lock is free; but on a name held without an object the
+/// reference counts all the same. If memory runs out after `factory` has run, its object stays
+/// allocated, since it may be in use.
+QUEND_FRAMEWORK_API IRegisteredObject* registerObject(const char* name, Factory factory);
 
 /// Returns the object registered under `name`, or null. Takes no reference.
 /// Throws: std::system_error if the lock cannot be taken.

@@ -14,71 +14,114 @@ namespace Framework {
 namespace Management {
 namespace MemoryManager {
 
-/// Takes a reference in its constructor and gives it back in its destructor:
+/// Takes a reference on a registered object and gives it back in its destructor:
 ///
-///     ObjectReference<SharedText> text("demo.text");
+///     ObjectReference<SharedText> text("demo.text");  // creates the object if there is none
 ///     text->append("hello");
 ///
+///     if (auto log = ObjectReference<IEventLog>::existing("demo.log")) {  // creates nothing
+///         log->write("hello");
+///     }
+///
 /// Moves, but does not copy; for a second reference make a second ObjectReference of the name.
-/// One that was moved from holds nothing and can only be assigned to or destroyed.
+/// One that was moved from is empty.
 ///
 /// Threading: distinct objects may be used from any threads; one object from one thread at a time.
 /// Requires: neither a factory nor a registered object's constructor or destructor makes or
-/// destroys an ObjectReference, because the registry calls them under its lock.
+/// destroys an ObjectReference, because the registry calls them under its lock. A global variable
+/// is empty again before the process exits: by then other threads have been stopped, and its
+/// destructor would hang if one of them held that lock.
 template <typename Object>
 class ObjectReference {
  public:
-    /// Takes a reference on `name`; the first caller of the process creates the object.
-    /// Throws: InvalidArgument if `factory` returned null, the name is held with a null object, or
-    /// its object is no `Object`; and what registerObject throws.
-    /// On failure: the reference has been given back, unless registerObject itself threw.
-    /// Requires: the module with the code of `Object` stays loaded until the last reference is
-    /// given back.
-    explicit ObjectReference(std::string name, IRegisteredObject* (*factory)() = &create)
-        : name_(std::move(name)) {
-        IRegisteredObject* const returned = registerObject(name_.c_str(), factory);
-        // Behind a null object in the registry, `returned` is known to nobody else.
-        const bool isRegistered = returned == findObject(name_.c_str());
-        object_ = isRegistered ? dynamic_cast<Object*>(returned) : nullptr;
-        if (object_ == nullptr) {
-            unregisterObject(name_.c_str());
-            if (!isRegistered) {
-                delete returned;
-            }
-            throw Exceptions::InvalidArgument(
-                ("The registered object is null or of another type: " + name_).c_str());
+    /// Takes a reference on `name`; the first caller of the process creates the object. Never
+    /// empty. Throws: InvalidArgument if `factory` returned null, the name is held with a null
+    /// object, or its object is no `Object`; and what registerObject throws. On failure: the
+    /// reference has been given back, unless the registry's lock cannot be taken. Requires: the
+    /// module with the code of `Object` stays loaded until the last reference is given back.
+    explicit ObjectReference(std::string name, Factory factory = &create)
+        : heldName(std::move(name)) {
+        IRegisteredObject* const returned = registerObject(heldName.c_str(), factory);
+        if (returned != findObject(heldName.c_str())) {
+            // The name is held with a null object, so nobody else knows what `factory` created.
+            unregisterObject(heldName.c_str());
+            delete returned;
+            throwMismatch();
         }
+        holdOrGiveBack(returned);
+    }
+
+    /// Takes a reference on the object of `name` if there is one, and returns an empty
+    /// ObjectReference if not; atomically, and without creating anything. `Object` may be an
+    /// interface. A name held with a null object has none.
+    /// Throws: InvalidArgument if the object is no `Object`; std::bad_alloc; std::system_error if
+    /// the lock cannot be taken.
+    /// On failure: the reference has been given back, unless the registry's lock cannot be taken.
+    static ObjectReference existing(std::string name) {
+        ObjectReference reference;
+        reference.heldName = std::move(name);
+        // A name held with null would count a reference below, and nobody could tell to give it
+        // back. It still would if between the two calls its object made way for null.
+        if (findObject(reference.heldName.c_str()) != nullptr) {
+            try {
+                reference.holdOrGiveBack(registerObject(reference.heldName.c_str(), &refuse));
+            } catch (const NoObject&) {
+                // The last reference was given back in the meantime; nothing is recorded.
+            }
+        }
+        return reference;
     }
 
     ObjectReference(ObjectReference&& other) noexcept
-        : name_(std::move(other.name_)), object_(other.object_) {
-        other.object_ = nullptr;
+        : heldName(std::move(other.heldName)), object(other.object) {
+        other.object = nullptr;
     }
 
     ObjectReference& operator=(ObjectReference other) noexcept {
-        name_.swap(other.name_);
-        std::swap(object_, other.object_);
+        heldName.swap(other.heldName);
+        std::swap(object, other.object);
         return *this;
     }
 
     /// Gives the reference back; the last one of the process destroys the object.
     /// On failure: ends the process, as a destructor cannot report std::system_error.
     ~ObjectReference() {
-        if (object_ != nullptr) {
-            unregisterObject(name_.c_str());
+        if (object != nullptr) {
+            unregisterObject(heldName.c_str());
         }
     }
 
-    /// Never null, and valid while this reference is held.
-    Object* get() const noexcept { return object_; }
-    Object* operator->() const noexcept { return object_; }
-    Object& operator*() const noexcept { return *object_; }
+    /// Whether a reference is held.
+    explicit operator bool() const noexcept { return object != nullptr; }
+
+    /// Valid while this reference is held; null if it is empty.
+    Object* get() const noexcept { return object; }
+    Object* operator->() const noexcept { return object; }
+    Object& operator*() const noexcept { return *object; }
 
  private:
-    static IRegisteredObject* create() { return new Object; }
+    struct NoObject {};
 
-    std::string name_;
-    Object* object_;  // null when moved from
+    ObjectReference() = default;
+
+    static IRegisteredObject* create() { return new Object; }
+    static IRegisteredObject* refuse() { throw NoObject(); }
+
+    void holdOrGiveBack(IRegisteredObject* registered) {
+        object = dynamic_cast<Object*>(registered);
+        if (object == nullptr) {
+            unregisterObject(heldName.c_str());
+            throwMismatch();
+        }
+    }
+
+    [[noreturn]] void throwMismatch() const {
+        throw Exceptions::InvalidArgument(
+            ("The registered object is null or of another type: " + heldName).c_str());
+    }
+
+    std::string heldName;
+    Object* object = nullptr;  // null if empty
 };
 
 /// Gives a block from allocate or reallocate back: std::unique_ptr<char[], BlockDeleter>.
