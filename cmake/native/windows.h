@@ -5,7 +5,7 @@
 #pragma once
 
 #include <dlfcn.h>
-#include <unistd.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -65,7 +65,7 @@ inline int _ftime64_s(__timeb64* now) {
 using DWORD = unsigned long;
 using HMODULE = void*;
 
-inline DWORD GetCurrentThreadId() { return static_cast<DWORD>(gettid()); }
+inline DWORD GetCurrentThreadId() { return pthread_self(); }
 inline DWORD GetLastError() { return 126; }  // the module could not be found
 
 // The empty path is the program itself.

@@ -1,10 +1,3 @@
-/// \file
-/// A mutex that refuses a second lock by the thread that holds it.
-///
-/// std::mutex leaves that case undefined, and on some platforms the thread deadlocks on itself.
-/// Used through the standard guards.
-///
-/// Threading: any number of threads.
 #pragma once
 
 #include <system_error>
@@ -13,6 +6,12 @@
 
 namespace Quend::Framework {
 
+/// A mutex that refuses a second lock by the thread that holds it.
+///
+/// std::mutex leaves that case undefined, and on some platforms the thread deadlocks on itself.
+/// Used through the standard guards.
+///
+/// Threading: any number of threads.
 class CheckedMutex {
  public:
     /// Waits for the lock.

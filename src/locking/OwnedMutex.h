@@ -1,8 +1,3 @@
-/// \file
-/// A std::mutex that knows which thread holds it.
-///
-/// Threading: any number of threads. CheckedMutex and RecursiveMutex build on it and decide what a
-/// second lock by the same thread means.
 #pragma once
 
 #include <atomic>
@@ -12,6 +7,10 @@
 
 namespace Quend::Framework {
 
+/// A std::mutex that knows which thread holds it. CheckedMutex and RecursiveMutex build on it and
+/// decide what a second lock by the same thread means.
+///
+/// Threading: any number of threads.
 class OwnedMutex {
  public:
     /// Waits for the lock. The thread must not hold it.

@@ -1,4 +1,9 @@
-/// \file
+#pragma once
+
+#include "locking/OwnedMutex.h"
+
+namespace Quend::Framework {
+
 /// A mutex that its owner may lock again, on top of std::mutex.
 ///
 /// Some standard libraries never free what a std::recursive_mutex has allocated, so a library that
@@ -6,12 +11,6 @@
 /// guards.
 ///
 /// Threading: any number of threads.
-#pragma once
-
-#include "locking/OwnedMutex.h"
-
-namespace Quend::Framework {
-
 class RecursiveMutex {
  public:
     /// Waits for the lock, or counts one more if this thread holds it.

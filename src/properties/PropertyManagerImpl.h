@@ -1,5 +1,3 @@
-/// \file
-/// The property store. Its contract is in <Quend/Framework/PropertyManager.h>.
 #pragma once
 
 #include <map>
@@ -9,6 +7,8 @@
 
 namespace Quend::Framework::Management {
 
+/// The one implementation of the property store; its contract is in
+/// <Quend/Framework/PropertyManager.h>.
 class PropertyManagerImpl : public PropertyManager {
  public:
     const std::wstring& readProperty(const std::wstring& name) const override;

@@ -5,6 +5,9 @@
 /// Each has its own rule for the size of its result. Callers depend on the rules as they are, so
 /// the three must not be unified. The library never sets the locale.
 ///
+/// Which characters an encoding has is the C runtime's to say. Some runtimes convert one that it
+/// lacks to one that looks alike, and others report it; only the latter cannot be converted here.
+///
 /// Throws: std::bad_alloc.
 /// Threading: reentrant; the locale must not change while another thread converts.
 #pragma once

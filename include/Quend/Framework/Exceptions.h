@@ -1,11 +1,7 @@
 /// \file
 /// The exceptions that the library's own components throw: a class and a text.
 ///
-/// They do not derive from std::exception, so that a handler for one family never takes the other
-/// by accident. They are wholly inline, so that a client catches by type what the DLL threw.
-///
-/// Throws: every constructor may throw std::bad_alloc.
-/// Threading: distinct objects are independent.
+/// They are wholly inline, so that a client catches by type what the DLL threw.
 #pragma once
 
 #include <memory>
@@ -15,8 +11,14 @@ namespace Quend {
 namespace Framework {
 namespace Exceptions {
 
-/// The base of the family. Each copy owns its text. There is no move and no assignment, so that
-/// getMessage() always has a text to return.
+/// The base of the family. It does not derive from std::exception, so that a handler for one family
+/// never takes the other by accident: catch both.
+///
+/// Each copy owns its text. There is no move and no assignment, so that getMessage() always has a
+/// text to return.
+///
+/// Throws: every constructor may throw std::bad_alloc.
+/// Threading: distinct objects are independent.
 class FrameworkException {
  public:
     FrameworkException() : message(new std::string()) {}

@@ -1,9 +1,10 @@
-/// \file
-/// QUEND_FRAMEWORK_API marks what crosses the boundary of the DLL. It has three states:
-///   QUEND_FRAMEWORK_BUILDING  while the DLL itself is compiled,
-///   QUEND_FRAMEWORK_STATIC    where the sources are linked straight into a program,
-///   neither                   in a client, which imports from the DLL.
 #pragma once
+
+/// \def QUEND_FRAMEWORK_API
+/// Marks what crosses the boundary of the DLL. Of two macros, at most one is defined:
+/// - QUEND_FRAMEWORK_BUILDING while the DLL itself is compiled;
+/// - QUEND_FRAMEWORK_STATIC where the sources are linked straight into a program;
+/// - neither in a client, which imports from the DLL.
 
 #if defined(QUEND_FRAMEWORK_STATIC)
 #define QUEND_FRAMEWORK_API
@@ -11,8 +12,8 @@
 #if defined(_MSC_VER)
 #define QUEND_FRAMEWORK_API __declspec(dllexport)
 #else
-/// GCC exports the type information of thrown and inner classes along with a dllexport
-/// class; src/Exports.def names what leaves the library, and nothing else does.
+// GCC exports the type information of thrown and inner classes along with a dllexport
+// class; src/Exports.def names what leaves the library, and nothing else does.
 #define QUEND_FRAMEWORK_API
 #endif
 #else

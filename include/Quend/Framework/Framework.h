@@ -23,8 +23,8 @@ QUEND_FRAMEWORK_API Management::PropertyManager* propertyManager();
 /// It is the low 16 bits of the C runtime's rand() plus the number of earlier calls by any thread.
 /// At load the library seeds rand() with the milliseconds of the current second, so there are only
 /// a thousand sequences: do not use it for secrets or statistics. The runtime keeps the state of
-/// rand() per thread: only the thread that loaded the library draws from that seed, others from
-/// the runtime's default seed or their own srand().
+/// rand() per thread: only the thread that loaded the library draws from that seed, and a seed of
+/// its own from before is lost; others draw from the runtime's default seed or their own srand().
 /// Throws: std::system_error if the lock cannot be taken.
 QUEND_FRAMEWORK_API unsigned short randomNumber();
 
