@@ -109,82 +109,57 @@ std::string errorOf(const std::function<void()>& call) { return whatOf(call).err
 
 // What each operation makes of the codes of the one platform function that it calls.
 const struct Operation {
-    const char* function;
-    void (*call)(const Registry& key);
-    const char* onAccessDenied;
-    const char* onNoMoreItems;
-    const char* onOthers;
+    const char* function{};
+    void (*call)(const Registry& key){};
+    const char* onAccessDenied{};
+    const char* onOthers{};
+    const char* onNoMoreItems = onOthers;
 } kOperations[] = {
-    {
-        .function = "RegOpenKeyW",
-        .call = [](const Registry& /*key*/) { Registry(HKEY_CURRENT_USER, "Software"); },
-        .onAccessDenied = "AccessDenied: Unable to open requested key",
-        .onNoMoreItems = "OpenError: Unable to open requested key",
-        .onOthers = "OpenError: Unable to open requested key",
-    },
-    {
-        .function = "RegOpenKeyW",
-        .call = [](const Registry& key) { key.openSubKey("a"); },
-        .onAccessDenied = "AccessDenied: Not enough permissions to read requested key.",
-        .onNoMoreItems = "OpenError: Unable to open requested key.",
-        .onOthers = "OpenError: Unable to open requested key.",
-    },
-    {
-        .function = "RegCreateKeyW",
-        .call = [](const Registry& key) { key.createSubKey("a"); },
-        .onAccessDenied = "AccessDenied: Not enough permissions to create requested key.",
-        .onNoMoreItems = "CreationError: Unable to create requested key.",
-        .onOthers = "CreationError: Unable to create requested key.",
-    },
-    {
-        .function = "SHDeleteKeyW",
-        .call = [](const Registry& key) { key.deleteSubKey("a"); },
-        .onAccessDenied = "AccessDenied: Not enough permissions to delete sub key.",
-        .onNoMoreItems = "NotFound: Unable to delete given key.",
-        .onOthers = "NotFound: Unable to delete given key.",
-    },
-    {
-        .function = "RegEnumKeyW",
-        .call = [](const Registry& key) { key.getSubKeys(); },
-        .onAccessDenied = "AccessDenied: Not enough permissions to read sub key enumeration.",
-        .onNoMoreItems = "",
-        .onOthers = "OpenError: Unable to open enumerated sub key.",
-    },
-    {
-        .function = "RegQueryValueExW",
-        .call = [](const Registry& key) { key.getIntValue("a"); },
-        .onAccessDenied = "AccessDenied: Not enough permissions to read value.",
-        .onNoMoreItems = "NotFound: The requested value was not found.",
-        .onOthers = "OpenError: Unable to open requested value.",
-    },
-    {
-        .function = "RegEnumValueW",
-        .call = [](const Registry& key) { key.getStringValue("a"); },
-        .onAccessDenied = "AccessDenied: Not enough permissions to read value.",
-        .onNoMoreItems = "NotFound: The requested value was not found.",
-        .onOthers = "OpenError: Unable to open requested value.",
-    },
-    {
-        .function = "RegSetValueExW",
-        .call = [](const Registry& key) { key.setIntValue("a", 1); },
-        .onAccessDenied = "AccessDenied: Not enough permissions to modify value.",
-        .onNoMoreItems = "NotFound: The value to update was not found.",
-        .onOthers = "OpenError: Unable to open requested value.",
-    },
-    {
-        .function = "RegSetValueExW",
-        .call = [](const Registry& key) { key.setStringValue("a", {'b'}); },
-        .onAccessDenied = "AccessDenied: Not enough permissions to modify value.",
-        .onNoMoreItems = "NotFound: The value to update was not found.",
-        .onOthers = "OpenError: Unable to open requested value.",
-    },
-    {
-        .function = "RegDeleteValueW",
-        .call = [](const Registry& key) { key.deleteValue("a"); },
-        .onAccessDenied = "AccessDenied: Not enough permissions to delete value.",
-        .onNoMoreItems = "NotFound: Unable to delete given value.",
-        .onOthers = "NotFound: Unable to delete given value.",
-    },
+    {.function = "RegOpenKeyW",
+     .call = [](const Registry& /*key*/) { Registry(HKEY_CURRENT_USER, "Software"); },
+     .onAccessDenied = "AccessDenied: Unable to open requested key",
+     .onOthers = "OpenError: Unable to open requested key"},
+    {.function = "RegOpenKeyW",
+     .call = [](const Registry& key) { key.openSubKey("a"); },
+     .onAccessDenied = "AccessDenied: Not enough permissions to read requested key.",
+     .onOthers = "OpenError: Unable to open requested key."},
+    {.function = "RegCreateKeyW",
+     .call = [](const Registry& key) { key.createSubKey("a"); },
+     .onAccessDenied = "AccessDenied: Not enough permissions to create requested key.",
+     .onOthers = "CreationError: Unable to create requested key."},
+    {.function = "SHDeleteKeyW",
+     .call = [](const Registry& key) { key.deleteSubKey("a"); },
+     .onAccessDenied = "AccessDenied: Not enough permissions to delete sub key.",
+     .onOthers = "NotFound: Unable to delete given key."},
+    {.function = "RegEnumKeyW",
+     .call = [](const Registry& key) { key.getSubKeys(); },
+     .onAccessDenied = "AccessDenied: Not enough permissions to read sub key enumeration.",
+     .onOthers = "OpenError: Unable to open enumerated sub key.",
+     .onNoMoreItems = ""},
+    {.function = "RegQueryValueExW",
+     .call = [](const Registry& key) { key.getIntValue("a"); },
+     .onAccessDenied = "AccessDenied: Not enough permissions to read value.",
+     .onOthers = "OpenError: Unable to open requested value.",
+     .onNoMoreItems = "NotFound: The requested value was not found."},
+    {.function = "RegEnumValueW",
+     .call = [](const Registry& key) { key.getStringValue("a"); },
+     .onAccessDenied = "AccessDenied: Not enough permissions to read value.",
+     .onOthers = "OpenError: Unable to open requested value.",
+     .onNoMoreItems = "NotFound: The requested value was not found."},
+    {.function = "RegSetValueExW",
+     .call = [](const Registry& key) { key.setIntValue("a", 1); },
+     .onAccessDenied = "AccessDenied: Not enough permissions to modify value.",
+     .onOthers = "OpenError: Unable to open requested value.",
+     .onNoMoreItems = "NotFound: The value to update was not found."},
+    {.function = "RegSetValueExW",
+     .call = [](const Registry& key) { key.setStringValue("a", {'b'}); },
+     .onAccessDenied = "AccessDenied: Not enough permissions to modify value.",
+     .onOthers = "OpenError: Unable to open requested value.",
+     .onNoMoreItems = "NotFound: The value to update was not found."},
+    {.function = "RegDeleteValueW",
+     .call = [](const Registry& key) { key.deleteValue("a"); },
+     .onAccessDenied = "AccessDenied: Not enough permissions to delete value.",
+     .onOthers = "NotFound: Unable to delete given value."},
 };
 
 // Stands in for any function of Windows.
