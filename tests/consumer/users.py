@@ -62,6 +62,15 @@ def package():
     files = {file.relative_to(home).as_posix() for file in home.rglob("*") if file.is_file()}
     assert files - listed == {"SHA256SUMS"}, f"SHA256SUMS leaves out: {files - listed}"
 
+    # The list of the DLLs, which is made in two steps: nothing in it is left open.
+    document = next(home.glob("*.spdx")).read_text()
+    components = re.findall(r"^PackageName: (.+)$", document, re.M)
+    suppliers = re.findall(r"^PackageSupplier: Organization: (.+)$", document, re.M)
+    versions = re.findall(r"^PackageVersion: (.+)$", document, re.M)
+    assert sorted(components) == sorted(dll.name for dll in home.glob("bin/*.dll")), document
+    assert len(components) == len(suppliers) == len(versions) and "@" not in document, document
+    assert re.search(r"^DocumentNamespace: urn:uuid:[0-9a-f-]{36}$", document, re.M), document
+
     dead = [*dead_links(home)]
     assert not dead, "The package has dead links:\n" + "\n".join(dead)
 
