@@ -1,8 +1,6 @@
 /// \file
-/// A named log channel: its sinks, and the messages that wait for some.
+/// A log channel, what a handle to it is, and how messages get to its sinks.
 ///
-/// A channel lives from the first getChannel of its name until logging shuts down. Components keep
-/// its handle and never touch the channel.
 /// Threading: guarded by LogManager's lock, as are all functions here.
 #pragma once
 
@@ -16,6 +14,10 @@
 
 namespace Quend::Framework::Logging {
 
+/// A named channel: its sinks, and the messages that were not written to them.
+///
+/// A channel lives from the first getChannel of its name until logging shuts down. Components keep
+/// its handle and never touch the channel.
 struct LogChannel {
     explicit LogChannel(const char* channelName) : name(channelName) {}
     /// Releases the sinks, in order. Cached messages are lost.
@@ -26,15 +28,18 @@ struct LogChannel {
     std::vector<LogSink*> sinks;  // owned; in the order in which the providers were asked
     std::string name;
     std::vector<CachedLogRecord> cache;
-    std::uint32_t overflowed = 0;  // 1 once the cache holds its marker
+    /// 0, and 1 once the cache holds its marker; a number because the fields' widths are settled.
+    std::uint32_t overflowed = 0;
 
-    /// Kept for configuration; no message's level is compared with it.
+    /// Kept with each channel as its configuration; the library compares no level with it.
     std::uint32_t levelSetting = 50;
-    /// If false, messages that would be written are dropped; others are still cached.
+    /// Nothing here changes it. A channel with sinks writes its
+    /// messages if true and drops them if false. A channel without sinks caches them either way.
     bool enabled = true;
 };
 
-/// What a handle points to. It never moves.
+/// A handle points to a slot, and the slot to the channel. The slot never moves, so the channel
+/// could be replaced while components keep their handles; nothing does so yet.
 struct ChannelSlot {
     std::unique_ptr<LogChannel> channel;  // never null
 };
@@ -44,8 +49,10 @@ using ChannelHandle = ChannelSlot*;
 /// Throws: what a sink throws; the sinks after it do not get the message.
 void writeToSinks(const LogChannel& channel, std::uint32_t level, const char* text);
 
-/// Asks every registered provider for its sink and replays the cache to them. Earlier sinks are
-/// dropped without release().
+/// Gives the channel a sink from each registered provider, and replays its cache to them.
+///
+/// getChannel calls this once for a channel that it creates, which has no sinks and an empty cache.
+/// On any other channel, the sinks that it had are forgotten and never released.
 /// Throws: what a provider or sink throws; std::bad_alloc.
 /// On failure: the channel keeps the sinks made so far, and the cache is as before.
 void attachSinks(LogChannel& channel);

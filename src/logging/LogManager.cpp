@@ -32,7 +32,7 @@ ChannelHandle LogManager::getChannel(const char* name) {
     auto slot = std::make_unique<ChannelSlot>(ChannelSlot{std::make_unique<LogChannel>(name)});
     // Inserted only once it is complete, so that nobody finds a channel that then fails.
     attachSinks(*slot->channel);
-    // From here on `name` is not read: a provider may have changed or freed the caller's buffer.
+    // The channel's copy of the name: a provider may have changed or freed the caller's meanwhile.
     const std::string& key = slot->channel->name;
     return channels->try_emplace(key, std::move(slot)).first->second.get();
 }
@@ -40,7 +40,7 @@ ChannelHandle LogManager::getChannel(const char* name) {
 void LogManager::log(ChannelHandle handle, std::uint32_t level, const char* text) {
     const std::lock_guard lock(mutex);
 
-    // Read once, at the first message; setting the variable later changes nothing.
+    // Read once, at the first message, and kept for the process; nothing here acts on them.
     static std::wstring debugStringSetting;
     [[maybe_unused]] static const bool debugStringRequested = readDebugString(debugStringSetting);
 

@@ -1,11 +1,5 @@
 /// \file
-/// Takes messages and passes them to the sinks of their channel, or into its cache.
-///
-/// The process-wide manager exists from load to unload; handles are valid until then.
-/// Throws: std::system_error if the lock cannot be taken; nothing has changed then. std::bad_alloc.
-/// Threading: any thread may call any function at any time. One recursive lock makes each call
-/// atomic, with its calls into providers and sinks, which may call back.
-/// Requires: names and texts are zero-terminated and not null, which is not checked.
+/// The process-wide log manager, and the functions by which components log.
 #pragma once
 
 #include <cstdint>
@@ -23,6 +17,14 @@
 
 namespace Quend::Framework::Logging {
 
+/// Takes messages and passes them to the sinks of their channel, or into its cache.
+///
+/// Owns the channels, providers and plug-ins. The process-wide manager exists from load to unload;
+/// handles are valid until then.
+/// Throws: std::system_error if the lock cannot be taken; nothing has changed then. std::bad_alloc.
+/// Threading: any thread may call any function at any time. One recursive lock makes each call
+/// atomic, with its calls into providers and sinks, which may call back.
+/// Requires: names and texts are zero-terminated and not null, which is not checked.
 class LogManager {
  public:
     LogManager() = default;
@@ -80,7 +82,7 @@ class LogManager {
     std::vector<std::unique_ptr<PluginLibrary>> pluginLibraries;
     std::vector<std::unique_ptr<LogSinkProvider>> ownedProviders;
     RecursiveMutex mutex;
-    bool alive = true;  // false, as the memory is zeroed, if no manager was constructed
+    bool alive = true;  // part of the manager's state; nothing here sets it to false
     /// A second reference to each plug-in module, released after the last sink: plug-in libraries
     /// are released before the channels, whose sinks have their code there.
     std::vector<std::unique_ptr<Module>> modulesOfSinks;

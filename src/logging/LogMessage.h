@@ -1,9 +1,3 @@
-/// \file
-/// Builds one message with stream insertion and logs it when it goes out of scope:
-///
-///     LogMessage(channel, 10) << "Read " << count << " records";
-///
-/// Threading: an object belongs to one thread; any number of them may be alive.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +14,13 @@ namespace Quend::Framework::Logging {
 template <typename T>
 constexpr bool isNumberOrEnum = std::is_arithmetic_v<T> || std::is_enum_v<T>;
 
+/// Builds one message with stream insertion and logs it when it goes out of scope:
+///
+///     LogMessage(channel, 10) << "Read " << count << " records";
+///
+/// Threading: an object belongs to one thread; any number of them may be alive.
+/// On failure: if memory runs out, that insertion and all later ones are lost, and nothing is
+/// thrown. What was inserted before is logged.
 class LogMessage {
  public:
     /// Level 0 logs nothing, whatever is inserted.

@@ -4,14 +4,16 @@
 ///
 /// Throws: what createSink and write throw reaches the caller of getChannel or log, with the lock
 /// free. It has no caller to reach from a LogMessage, and ends the process.
-/// Threading: all calls come under logging's one lock, on the thread that caused them. So a sink
-/// sees whole messages, one at a time, and needs no lock of its own; a slow write holds up every
-/// thread that logs. The lock is recursive, so a sink may log. Never wait in write or createSink
-/// for another thread that may log: that deadlocks.
+/// Threading: the library calls sinks and providers under logging's one lock, on the thread that
+/// caused the call. So a sink sees whole messages, one at a time, and needs no lock of its own; a
+/// slow write holds up every thread that logs. The lock is recursive, so a sink may log. Never wait
+/// in write or createSink for another thread that may log: that deadlocks. Only a provider that
+/// could not be registered may be deleted without the lock.
 /// Ownership: at unload every provider is deleted first, then every sink is released, by channel
 /// name. The module with their code stays loaded until the last release() has returned. At process
 /// exit the module's statics may be destroyed before that, and nothing is called if a thread was
-/// stopped inside a log call. So flush in write, and use no statics in release() or a destructor.
+/// stopped inside a log call. So flush in write, and use no statics in release() or a destructor. A
+/// module with logging of its own may still log there, but its earlier handles are invalid.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +32,7 @@ class LogSink {
     virtual void release() noexcept = 0;
 
     /// Outputs one message. `text` is zero-terminated, valid during the call only, without prefix,
-    /// time stamp or line end. `level` is 0 only in a replay.
+    /// time stamp or line end. `level` is never 0, unless replayCache is called for the channel.
     ///
     /// May log, ask for channels and register providers. A message logged from here reaches all
     /// sinks of its channel at once, this one included: it must guard against endless recursion.

@@ -2,7 +2,7 @@
 //   filling     overflowed 0, fewer than kCacheCapacity records
 //   full        overflowed 0, kCacheCapacity records; the next message becomes the marker
 //   overflowed  overflowed 1, the marker is the last record; messages are dropped
-// A replay leads back to filling.
+// A replay leads back to filling; without one, a cache stays as it is until shutdown.
 #include "logging/MessageCache.h"
 
 #include "logging/LogChannel.h"

@@ -1,5 +1,5 @@
 /// \file
-/// A plug-in library: a module with a sink provider. Its entry point is described in LogSink.h.
+/// Plug-in libraries: modules with a sink provider. LogSink.h describes their entry point.
 ///
 /// Threading: called with LogManager's lock held, which is then held while the system's loader
 /// runs. Never log from DllMain or a global's constructor: if another thread loads a plug-in
@@ -30,6 +30,7 @@ class Module {
     void* handle_;
 };
 
+/// A plug-in that is loaded, and its entry point.
 struct PluginLibrary {
     Module module;
 

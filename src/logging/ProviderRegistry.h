@@ -1,8 +1,3 @@
-/// \file
-/// The sink providers in the order of registration, which are asked when a channel is created.
-///
-/// Threading: guarded by LogManager's lock.
-/// Ownership: LogManager owns the providers.
 #pragma once
 
 #include <vector>
@@ -11,6 +6,10 @@
 
 namespace Quend::Framework::Logging {
 
+/// The sink providers in the order of registration, which are asked when a channel is created.
+///
+/// Threading: guarded by LogManager's lock.
+/// Ownership: LogManager owns the providers.
 using ProviderRegistry = std::vector<LogSinkProvider*>;
 
 /// The process-wide one. It is emptied at unload before logging shuts down, and stays in place: the
