@@ -53,16 +53,6 @@ TEST_F(CommandRunner, RunsACommandAndReturnsWhatItPrints) {
     EXPECT_EQ(runCommand("exit 1"), wrote(""));
 }
 
-// Lets a test hold a CommandChild: at this step of its command line the child sets `arrived` and
-// waits until `goOn` is set.
-struct Stop {
-    static inline int made = 0;
-    const std::string name = std::to_string(GetCurrentProcessId()) + "." + std::to_string(++made);
-    const std::string step = " await " + name;
-    const Handle arrived = makeEvent("arrived" + name);
-    const Handle goOn = makeEvent("goOn" + name);
-};
-
 // What "CommandChild bytes SIZE" writes, without its carriage returns.
 Result wroteBytes(std::size_t size) {
     std::string output;
@@ -75,35 +65,49 @@ Result wroteBytes(std::size_t size) {
     return {true, output};
 }
 
-// All at once: each gets its own output.
-TEST_F(CommandRunner, ReturnsWhatTheInterpreterAndItsChildrenWrite) {
-    const Stop stop;
+TEST_F(CommandRunner, HandsTheCommandToTheInterpreterAsItIs) {
     const struct {
         std::string command;
         Result result;
     } cases[] = {
         {.command = "", .result = wrote("")},
-        {.command = "CommandChild bytes 200000", .result = wroteBytes(200'000)},
-        {.command = "CommandChild bytes 90000", .result = wroteBytes(90'000)},
         {.command = R"(""CommandChild" say "a b"")", .result = wrote("a b")},
         {.command = "echo error 1>&2&CommandChild say x", .result = wrote("x")},
         {.command = std::string("echo a\0b", 8), .result = wrote("a\n")},
         {.command = "echo " + std::string(7995, 'x'),
          .result = wrote(std::string(7995, 'x') + '\n')},
         {.command = "echo " + std::string(33'000, 'x'), .result = kFailed},
-        // A child that outlives the interpreter holds the output, which ends with its last holder.
-        {.command = "CommandChild leave say a" + stop.step + " say b", .result = wrote("ab")},
     };
-    std::vector<std::future<Result>> results;
     for (const auto& each : cases) {
-        results.push_back(std::async(std::launch::async, runCommand, each.command));
+        // Not EXPECT_EQ, which would print all of a long output.
+        EXPECT_TRUE(runCommand(each.command) == each.result) << each.command.substr(0, 100);
     }
+}
+
+TEST_F(CommandRunner, GivesEachOfTwoAtOnceItsOwnOutput) {
+    auto other = std::async(std::launch::async, runCommand, "CommandChild bytes 200000");
+    EXPECT_TRUE(runCommand("CommandChild bytes 90000") == wroteBytes(90'000));
+    EXPECT_TRUE(other.get() == wroteBytes(200'000));
+}
+
+// Lets a test hold a CommandChild: at this step of its command line the child sets `arrived` and
+// waits until `goOn` is set.
+struct Stop {
+    static inline int made = 0;
+    const std::string name = std::to_string(GetCurrentProcessId()) + "." + std::to_string(++made);
+    const std::string step = " await " + name;
+    const Handle arrived = makeEvent("arrived" + name);
+    const Handle goOn = makeEvent("goOn" + name);
+};
+
+// The interpreter ends first; its child still holds the output.
+TEST_F(CommandRunner, ReadsUntilTheLastChildHasEnded) {
+    const Stop stop;
+    const std::string command = "CommandChild leave say a" + stop.step + " say b";
+    auto result = std::async(std::launch::async, runCommand, command);
     await(stop.arrived);
     SetEvent(stop.goOn.get());
-    for (std::size_t i = 0; i < results.size(); ++i) {
-        // Not EXPECT_EQ, which would print all of a long output.
-        EXPECT_TRUE(results[i].get() == cases[i].result) << cases[i].command.substr(0, 100);
-    }
+    EXPECT_EQ(result.get(), wrote("ab"));
 }
 
 // The second child blocks in its standard error until then.
