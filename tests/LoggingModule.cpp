@@ -21,11 +21,15 @@ EntryPoint entryPoint = EntryPoint::kReturnsProvider;
 [[noreturn]] void throwOnPurpose() { throw std::runtime_error("on purpose"); }
 
 void onWrite(const std::string& text) {
-    current != nullptr ? --current->messages : 0;
+    if (current != nullptr) {
+        --current->messages;
+    }
     if (text == "throw") {
         throwOnPurpose();
     }
-    text == "block" ? Sleep(INFINITE) : void();
+    if (text == "block") {
+        Sleep(INFINITE);
+    }
 }
 
 // Logs when it is deleted. At unload no provider is registered any more, so that message is cached

@@ -23,45 +23,14 @@ std::shared_ptr<HINSTANCE__> preparePlugin(Report whereTo = report,
     return module;
 }
 
-TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
-    using Row = std::tuple<const wchar_t*, int, const char*>;
-    for (const auto& [path, code, error] :
-         {Row{kPlugin, 0, "The entry point of the plug-in library returned no provider"},
-          Row{L"ClientModule.dll", 0,
-              "The plug-in library has no entry point createLogSinkProvider"},
-          Row{L"no such \u00e9.dll", ERROR_MOD_NOT_FOUND,
-              "Cannot load the plug-in library no such ?.dll"}}) {
-        LogManager manager;
-        auto prepared = preparePlugin(report, EntryPoint::kReturnsNull);
-        try {
-            manager.loadPluginLibrary(path);
-            ADD_FAILURE();
-        } catch (const std::runtime_error& caught) {
-            EXPECT_TRUE(std::string(caught.what()).starts_with(error)) << caught.what();
-            const auto* refusal = dynamic_cast<const std::system_error*>(&caught);
-            EXPECT_EQ(refusal != nullptr ? refusal->code().value() : 0, code);
-        }
-        prepared.reset();
-        EXPECT_TRUE(providerRegistry.empty());
-        EXPECT_EQ(GetModuleHandleW(path), nullptr);
-        EXPECT_EQ(takeEvents(), "gone ");
-        expectLockFree(manager);
-    }
-}
-
-TEST(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
-    ProviderRegistry().swap(providerRegistry);  // which keeps its room
-    failEachAllocation([](long, auto fail) {
-        LogManager manager;
-        auto plugin = preparePlugin([](std::string_view) {});
-        const bool failed = fail([&] { manager.loadPluginLibrary(kPlugin); });
-        plugin.reset();
-        EXPECT_EQ(providerRegistry.size(), failed ? 0U : 1U);
-        EXPECT_EQ(GetModuleHandleW(kPlugin) == nullptr, failed);
-        manager.shutdownLogging();
-        ProviderRegistry().swap(providerRegistry);
-        EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
-    });
+TEST(LoggingPlugin, BringsASinkToEachChannel) {
+    LogManager manager;
+    preparePlugin();
+    manager.loadPluginLibrary(kPlugin);
+    manager.log(manager.getChannel("network"), 10, " connected");
+    EXPECT_NE(GetModuleHandleW(kPlugin), nullptr);
+    manager.shutdownLogging();
+    EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
 }
 
 TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
@@ -82,15 +51,63 @@ TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
     EXPECT_EQ(takeEvents(), "pc:1text ~p FreeLibrary -pc FreeLibrary gone ");
 }
 
+TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
+    struct Row {
+        const wchar_t* path;
+        const char* error;
+        int code = 0;
+    };
+    const Row rows[] = {
+        {.path = kPlugin, .error = "The entry point of the plug-in library returned no provider"},
+        {.path = L"ClientModule.dll",
+         .error = "The plug-in library has no entry point createLogSinkProvider"},
+        {.path = L"no such \u00e9.dll",
+         .error = "Cannot load the plug-in library no such ?.dll",
+         .code = ERROR_MOD_NOT_FOUND},
+    };
+    for (const Row& row : rows) {
+        LogManager manager;
+        auto prepared = preparePlugin(report, EntryPoint::kReturnsNull);
+        try {
+            manager.loadPluginLibrary(row.path);
+            ADD_FAILURE();
+        } catch (const std::system_error& caught) {
+            EXPECT_TRUE(std::string(caught.what()).starts_with(row.error)) << caught.what();
+            EXPECT_EQ(caught.code().value(), row.code);
+        } catch (const std::runtime_error& caught) {
+            EXPECT_STREQ(caught.what(), row.error);
+            EXPECT_EQ(row.code, 0);
+        }
+        prepared.reset();
+        EXPECT_TRUE(providerRegistry.empty());
+        EXPECT_EQ(GetModuleHandleW(row.path), nullptr);
+        EXPECT_EQ(takeEvents(), "gone ");
+        expectLockFree(manager);
+    }
+}
+
+TEST(LoggingPlugin, FailedAllocationLeavesNothingLoaded) {
+    ProviderRegistry().swap(providerRegistry);  // which keeps its room
+    failEachAllocation([](long, auto fail) {
+        LogManager manager;
+        auto plugin = preparePlugin([](std::string_view) {});
+        const bool failed = fail([&] { manager.loadPluginLibrary(kPlugin); });
+        plugin.reset();
+        EXPECT_EQ(providerRegistry.size(), failed ? 0U : 1U);
+        EXPECT_EQ(GetModuleHandleW(kPlugin) == nullptr, failed);
+        manager.shutdownLogging();
+        ProviderRegistry().swap(providerRegistry);
+        EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
+    });
+}
+
 TEST(LoggingPluginDeathTest, ExceptionOutOfTheEntryPointEndsTheProgram) {
     const auto plugin = preparePlugin(report, EntryPoint::kThrows);
     LogManager manager;
     EXPECT_DEATH(manager.loadPluginLibrary(kPlugin), "");
 }
 
-void printEvent(std::string_view piece) {
-    std::fwrite(piece.data(), 1, piece.size(), stderr);
-}
+void printEvent(std::string_view piece) { std::fwrite(piece.data(), 1, piece.size(), stderr); }
 
 // A module logs to the sink of its plug-in; then the process ends.
 void exitWithPluginLoaded() {
@@ -129,8 +146,7 @@ void exitWithThreadInside(const wchar_t* blocked, const wchar_t* itsPlugin) {
 
 // The plug-in's own clean-up comes first; then its provider logs once more when it is deleted.
 TEST(LoggingPluginDeathTest, ProcessExitEndsThePlugins) {
-    EXPECT_EXIT(exitWithPluginLoaded(), testing::ExitedWithCode(7),
-                "^pown:1text gone ~p -pown $");
+    EXPECT_EXIT(exitWithPluginLoaded(), testing::ExitedWithCode(7), "^pown:1text gone ~p -pown $");
 }
 
 TEST(LoggingPluginDeathTest, ProcessExitDoesNotWaitForAThreadStoppedInASink) {
@@ -146,24 +162,41 @@ int environmentReads = 0;
 int failingRead = 0;
 
 // Windows, unlike Wine, does not treat a query for the size as an error.
-const auto countingGetenv = [](auto real, auto* size, auto* buffer, std::size_t room, auto* name) {
+const auto countingGetenv = [](auto real, auto* size, auto* buffer, std::size_t room,
+                               auto* name) -> errno_t {
     const errno_t error = real(size, buffer, room, name);
-    return ++environmentReads == failingRead ? EINVAL : room == 0 ? 0 : error;
+    ++environmentReads;
+    if (environmentReads == failingRead) {
+        return EINVAL;
+    }
+    return room == 0 ? 0 : error;
 };
 
 TEST(LoggingEnvironment, DebugStringIsRead) {
     const Hook hook("_wgetenv_s", imported, countingGetenv);
-    using Row = std::tuple<const wchar_t*, int, bool, int>;
-    for (const auto& [value, failing, isRequested, reads] :
-         {Row{L"1", 0, true, 2}, Row{L"longer than in place", 0, true, 2}, Row{L"1", 1, false, 1},
-          Row{L"1", 2, false, 2}, Row{L"", 0, false, 1}}) {
-        _wputenv_s(L"QUEND_OUTPUT_DEBUG_STRING", value);  // an empty one removes it
+    struct Row {
+        const wchar_t* value;
+        bool isRequested;
+        int reads;
+        int failing = 0;  // of the reads
+    };
+    const Row rows[] = {
+        {.value = L"1", .isRequested = true, .reads = 2},
+        {.value = L"longer than in place", .isRequested = true, .reads = 2},
+        {.value = L"1", .isRequested = false, .reads = 1, .failing = 1},
+        {.value = L"1", .isRequested = false, .reads = 2, .failing = 2},
+        {.value = L"", .isRequested = false, .reads = 1},  // an empty one removes it
+    };
+    for (const Row& row : rows) {
+        _wputenv_s(L"QUEND_OUTPUT_DEBUG_STRING", row.value);
         environmentReads = 0;
-        failingRead = failing;
+        failingRead = row.failing;
         std::wstring setting;
-        EXPECT_EQ(readDebugString(setting), isRequested);
-        EXPECT_EQ(environmentReads, reads);
-        EXPECT_EQ(isRequested ? setting : value, value);
+        EXPECT_EQ(readDebugString(setting), row.isRequested);
+        EXPECT_EQ(environmentReads, row.reads);
+        if (row.isRequested) {
+            EXPECT_EQ(setting, row.value);
+        }
     }
 }
 

@@ -25,14 +25,49 @@ struct Logging : testing::Test {
     LogManager manager;
 };
 
+TEST_F(Logging, MessagesGoToTheSinksOfTheirChannel) {
+    // A channel without a sink keeps its messages.
+    ChannelHandle early = manager.getChannel("early");
+    manager.log(early, 10, "nobody listens");
+    EXPECT_EQ(takeEvents(), "");
+    EXPECT_EQ(early->channel->cache.front().text, "nobody listens");
+    // A provider brings a sink to each channel that is created from now on.
+    addProvider("file ");
+    ChannelHandle network = manager.getChannel("network");
+    EXPECT_EQ(manager.getChannel("network"), network);
+    manager.log(network, 10, " connected");
+    LogMessage(network, 20) << " after " << 3 << " attempts";
+    EXPECT_EQ(takeEvents(), "file network:10 connected file network:20 after 3 attempts ");
+    // The early channel stays as it is.
+    manager.log(early, 10, "still nobody");
+    EXPECT_EQ(early->channel->cache.size(), 2U);
+    // In the end the provider is deleted, and the sink released.
+    manager.shutdownLogging();
+    EXPECT_EQ(takeEvents(), "~file  -file network ");
+}
+
+TEST_F(Logging, ShutdownLeavesProvidersOfOthersRegistered) {
+    TestProvider notOwned("other");
+    providerRegistry.push_back(&notOwned);
+    addProvider("own");
+    manager.shutdownLogging();
+    EXPECT_EQ(takeEvents(), "~own ");
+    EXPECT_EQ(providerRegistry, ProviderRegistry{&notOwned});
+    providerRegistry.clear();
+}
+
 TEST_F(Logging, MatchesModelOverRandomOperations) { runOnRandomInputs(&checkLogging); }
 
 TEST_F(Logging, SinkMayLogIntoTheCacheThatIsReplayed) {
     auto* const handle = manager.getChannel("c");
     manager.log(handle, 7, "first");
     int more = 40;  // so many that the records move
-    addProvider("p",
-                [&](const std::string&) { more-- > 0 ? manager.log(handle, 0, "+") : void(); });
+    addProvider("p", [&](const std::string&) {
+        if (more > 0) {
+            --more;
+            manager.log(handle, 0, "+");
+        }
+    });
     attachSinks(*handle->channel);
     const std::string written = takeEvents();
     EXPECT_TRUE(written.starts_with("pc:7first pc:0+ ") && written.size() == 250) << written;
@@ -110,35 +145,56 @@ TEST_F(Logging, ExceptionsPassThroughAndLeaveNothingBehind) {
 const char* const kLongText = "and more of it than a short string holds in place";
 const std::string kBeyondTheBuffer(300, 'x');
 
+struct WithoutMemory {
+    const char* what;
+    void (*call)(LogManager&, ChannelHandle);
+    std::size_t recordsBefore = 4;
+    std::size_t recordsAfter = 4;
+    std::size_t providersAfter = 2;
+    std::uint32_t overflowedAfter = 0;
+};
+
+void logLongText(LogManager& manager, ChannelHandle channel) { manager.log(channel, 1, kLongText); }
+
+const WithoutMemory kWithoutMemory[] = {
+    {.what = "a channel is created",
+     .call = [](LogManager& manager, ChannelHandle) { manager.getChannel(kLongText); }},
+    {.what = "a message is cached", .call = logLongText, .recordsAfter = 5},
+    {.what = "the cache overflows",
+     .call = logLongText,
+     .recordsBefore = kCacheCapacity,
+     .recordsAfter = kCacheCapacity + 1,
+     .overflowedAfter = 1},
+    {.what = "a provider is registered",
+     .call =
+         [](LogManager& manager, ChannelHandle) {
+             manager.registerSinkProvider(std::make_unique<TestProvider>("q"));
+         },
+     .providersAfter = 3},
+    {.what = "a message is built",
+     .call =
+         [](LogManager&, ChannelHandle channel) {
+             EXPECT_NO_THROW(LogMessage(channel, 0) << kBeyondTheBuffer);
+         }},
+};
+
 TEST_F(Logging, FailedAllocationLeavesTheStatedState) {
-    const auto log = [](LogManager& m, ChannelHandle channel) { m.log(channel, 1, kLongText); };
-    const auto get = [](LogManager& m, ChannelHandle) { m.getChannel(kLongText); };
-    const auto add = [](LogManager& m, ChannelHandle) {
-        m.registerSinkProvider(std::make_unique<TestProvider>("q"));
-    };
-    const auto insert = [](LogManager&, ChannelHandle channel) {
-        EXPECT_NO_THROW(LogMessage(channel, 0) << kBeyondTheBuffer);
-    };
-    using Row = std::tuple<void (*)(LogManager&, ChannelHandle), std::size_t, std::size_t, int>;
-    // The 102nd record is the marker.
-    for (const auto& [call, recordsBefore, recordsAfter, providersAfter] :
-         {Row{get, 4, 4, 2}, Row{log, 4, 5, 2}, Row{log, 101, 102, 2}, Row{add, 4, 4, 3},
-          Row{insert, 4, 4, 2}}) {
+    for (const WithoutMemory& row : kWithoutMemory) {
+        SCOPED_TRACE(row.what);
         failEachAllocation([&](long, auto fail) {
             ProviderRegistry().swap(providerRegistry);
             LogManager each;
             auto* const handle = each.getChannel("none");
-            for (std::size_t i = 0; i < recordsBefore; ++i) {
-                log(each, handle);
+            for (std::size_t i = 0; i < row.recordsBefore; ++i) {
+                logLongText(each, handle);
             }
             for (const char* tag : {"p", "a tag that no short string holds in place"}) {
                 each.registerSinkProvider(std::make_unique<TestProvider>(tag));
             }
-            const bool failed = fail([&] { call(each, handle); });
-            EXPECT_EQ(providerRegistry.size(), failed ? 2 : providersAfter);
-            const std::size_t cached = failed ? recordsBefore : recordsAfter;
-            EXPECT_EQ(handle->channel->cache.size(), cached);
-            EXPECT_EQ(handle->channel->overflowed, cached / 102);
+            const bool failed = fail([&] { row.call(each, handle); });
+            EXPECT_EQ(providerRegistry.size(), failed ? 2 : row.providersAfter);
+            EXPECT_EQ(handle->channel->cache.size(), failed ? row.recordsBefore : row.recordsAfter);
+            EXPECT_EQ(handle->channel->overflowed, failed ? 0 : row.overflowedAfter);
             expectLockFree(each);
             EXPECT_EQ(each.getChannel(kLongText)->channel->sinks.size(), providerRegistry.size());
             each.shutdownLogging();
@@ -193,7 +249,13 @@ TEST_F(Logging, UnusedManagerHoldsNoMemory) {
 
 TEST(RecursiveMutex, IsFreeOnceEveryLockIsGivenBack) {
     Quend::Framework::RecursiveMutex mutex;
-    const auto tryLock = [&] { return mutex.try_lock() && (mutex.unlock(), true); };
+    const auto tryLock = [&] {
+        const bool isLocked = mutex.try_lock();
+        if (isLocked) {
+            mutex.unlock();
+        }
+        return isLocked;
+    };
     const auto isFree = [&] { return std::async(std::launch::async, tryLock).get(); };
     EXPECT_TRUE(mutex.try_lock());
     mutex.lock();

@@ -55,6 +55,22 @@ constexpr Row kRows[] = {
     ROW(resetFormat), ROW(std::setw(v.field)), ROW((v.field < 9 ? std::hex : std::showpos))};
 // clang-format on
 
+constexpr std::size_t kNearTheEnd = 236;  // of a buffer of 256 characters
+constexpr std::size_t kLengthsNearTheEnd = 21;
+
+TEST(LogMessage, LogsWhatWasInsertedWhenItGoesOutOfScope) {
+    ChannelSlot slot{std::make_unique<LogChannel>("without a sink, so it keeps its messages")};
+    const std::string file = "names.txt";
+    {
+        LogMessage message(&slot, 10);
+        message << "Read " << 3 << " of " << file << " in " << 0.25 << " s, at ";
+        message << std::hex << std::showbase << 255;
+        EXPECT_TRUE(slot.channel->cache.empty());
+    }
+    EXPECT_EQ(slot.channel->cache.back().level, 10U);
+    EXPECT_EQ(slot.channel->cache.back().text, "Read 3 of names.txt in 0.25 s, at 0xff");
+}
+
 TEST(LogMessage, HoldsWhatAStreamHolds) {
     const unsigned seed = std::random_device()();
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -73,10 +89,13 @@ TEST(LogMessage, HoldsWhatAStreamHolds) {
             row.second(stream, theirs);
         };
         // Each row in turn at the beginning and around the end of the buffer; then any others.
-        const std::string filling(round % 2 == 0 ? 0 : 236 + round / 2 % 21, 'z');
+        std::string filling;
+        if (round % 2 == 1) {
+            filling.assign(kNearTheEnd + round / 2 % kLengthsNearTheEnd, 'z');
+        }
         *message << filling;
         stream << filling;
-        insert(kRows[round / 42 % std::size(kRows)], {random()});
+        insert(kRows[round / (2 * kLengthsNearTheEnd) % std::size(kRows)], {random()});
         const auto rows = random() % 2 == 0 ? kWithoutStream : std::size(kRows);
         for (auto count = random() % 12; count > 0; --count) {
             insert(kRows[random() % rows], {random()});

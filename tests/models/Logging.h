@@ -35,7 +35,9 @@ struct TestSink final : LogSink {
     }
     void write(std::uint32_t level, const char* text) override {
         record(tag, ":", std::to_string(level), text);
-        onWrite ? onWrite(text) : void();
+        if (onWrite) {
+            onWrite(text);
+        }
     }
     std::string tag;
     Callback onWrite;
@@ -48,7 +50,9 @@ struct TestProvider final : LogSinkProvider {
         : tag(std::move(providerTag)), onWrite(std::move(write)), onCreate(std::move(create)) {}
     ~TestProvider() override { record("~", tag); }
     LogSink* createSink(const char* channel) override {
-        onCreate ? onCreate(channel) : void();
+        if (onCreate) {
+            onCreate(channel);
+        }
         return hasSink(tag, channel) ? new TestSink(tag + channel, onWrite) : nullptr;
     }
     static bool hasSink(const std::string& tag, const std::string& channel) {
@@ -64,6 +68,8 @@ inline void expectLockFree(LogManager& manager) {
     std::thread([&] { manager.getChannel("none"); }).join();
 }
 
+enum class LoggingStep { kRegister, kAttach, kSwitch, kClear, kLog };
+
 inline void checkLogging(Input input) {
     struct Channel {
         ChannelHandle handle = nullptr;
@@ -76,7 +82,10 @@ inline void checkLogging(Input input) {
     std::string atShutdown;
     LogManager manager;
     while (!input.isAtEnd()) {
-        const char operation = input.oneOf({'p', 'a', 'e', 'x', 'l', 'l', 'l', 'l'});
+        const LoggingStep step =
+            input.oneOf({LoggingStep::kRegister, LoggingStep::kAttach, LoggingStep::kSwitch,
+                         LoggingStep::kClear, LoggingStep::kLog, LoggingStep::kLog,
+                         LoggingStep::kLog, LoggingStep::kLog});
         const std::string name = input.oneOf({"", "a", "A", "aa", "a ", "aA", "\xff", "none"});
         Channel& channel = model[name];
         std::string expected;
@@ -101,20 +110,20 @@ inline void checkLogging(Input input) {
             attach();
         }
         LogChannel& real = *channel.handle->channel;
-        if (operation == 'p' && providers.size() < 5) {
+        if (step == LoggingStep::kRegister && providers.size() < 5) {
             providers.emplace_back(input.oneOf({"a", "A", "\xff"}));
             manager.registerSinkProvider(std::make_unique<TestProvider>(providers.back()));
             atShutdown.append("~").append(providers.back()).append(" ");
-        } else if (operation == 'a') {
+        } else if (step == LoggingStep::kAttach) {
             for (LogSink* const sink : real.sinks) {
                 sink->release();  // as attaching forgets them
             }
             events.clear();
             attach();
             attachSinks(real);
-        } else if (operation == 'e') {
+        } else if (step == LoggingStep::kSwitch) {
             real.enabled = channel.isEnabled = !channel.isEnabled;
-        } else if (operation == 'x' && input.byte() % 4 == 0) {
+        } else if (step == LoggingStep::kClear && input.byte() % 4 == 0) {
             providerRegistry.clear();
             providers.clear();
         } else {
@@ -125,9 +134,13 @@ inline void checkLogging(Input input) {
                 manager.log(channel.handle, level, text);
                 const std::size_t cached = channel.cache.size();
                 if (!channel.sinks.empty() && !providers.empty() && level != 0) {
-                    channel.isEnabled ? write(message) : void();
-                } else if (cached < 102) {
-                    channel.cache.push_back(cached < 101 ? message : "40LOG Cache overflow...");
+                    if (channel.isEnabled) {
+                        write(message);
+                    }
+                } else if (cached < 101) {
+                    channel.cache.push_back(message);
+                } else if (cached == 101) {
+                    channel.cache.emplace_back("40LOG Cache overflow...");
                 }
             }
         }
