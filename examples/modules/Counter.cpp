@@ -2,6 +2,7 @@
 // allocated.
 #include <cctype>
 #include <cstring>
+#include <exception>
 #include <iostream>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include "SharedText.h"
 
 using namespace Quend::Framework::Management::MemoryManager;
+using Quend::Framework::Exceptions::FrameworkException;
 
 namespace {
 
@@ -26,7 +28,7 @@ void count(SharedText& text) {
 
 }  // namespace
 
-MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsFile*/) {
+MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsFile*/) try {
     // Nothing to count without a reader, so an empty text is not created in its place.
     const auto text = ObjectReference<SharedText>::existing(kSharedTextName);
     if (!text) {
@@ -49,6 +51,10 @@ MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsF
     std::cout << "[counter] grew the reader's memory by " << result.size()
               << " bytes and wrote the result behind the text: " << result << '\n';
     return true;
+} catch (const FrameworkException& error) {
+    return failed(error.getMessage().c_str());
+} catch (const std::exception& error) {
+    return failed(error.what());
 }
 
 MODULE_EXPORT void stopModule() {

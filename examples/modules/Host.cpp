@@ -20,7 +20,7 @@ constexpr const char* kHelp = R"(usage: host TEXTFILE SETTINGSFILE
 Loads four modules, one after the other, and unloads them again:
   Settings.dll  puts the lines "name = value" of SETTINGSFILE into the property store
   Reader.dll    registers a shared object and reads TEXTFILE into memory of the common heap
-  Counter.dll   finds the object by its name, counts lines and words, and grows the memory
+  Counter.dll   finds the object if it is there, counts lines and words, and grows the memory
   Reporter.dll  keeps the object alive, reads the settings, reports, and frees the memory
 )";
 

@@ -1,5 +1,6 @@
 // Creates the shared object and reads the file into memory of the common heap.
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <optional>
@@ -8,6 +9,7 @@
 #include "SharedText.h"
 
 using namespace Quend::Framework::Management::MemoryManager;
+using Quend::Framework::Exceptions::FrameworkException;
 
 namespace {
 
@@ -39,7 +41,7 @@ const char* readInto(SharedText& text, const char* path) {
 
 }  // namespace
 
-MODULE_EXPORT bool startModule(const char* textFile, const char* /*settingsFile*/) {
+MODULE_EXPORT bool startModule(const char* textFile, const char* /*settingsFile*/) try {
     sharedText.emplace(kSharedTextName, makeSharedText);
     std::cout << "[reader] registered \"" << kSharedTextName << "\" and holds one reference\n";
     if (const char* const problem = readInto(**sharedText, textFile)) {
@@ -50,6 +52,10 @@ MODULE_EXPORT bool startModule(const char* textFile, const char* /*settingsFile*
     std::cout << "[reader] read " << (*sharedText)->size
               << " bytes into memory that it allocated\n";
     return true;
+} catch (const FrameworkException& error) {
+    return failed(error.getMessage().c_str());
+} catch (const std::exception& error) {
+    return failed(error.what());
 }
 
 MODULE_EXPORT void stopModule() {

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <exception>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -54,10 +55,14 @@ void show(const std::wstring& name) {
 
 }  // namespace
 
-MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsFile*/) {
+MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* /*settingsFile*/) try {
     sharedText.emplace(kSharedTextName, makeSharedText);
     std::cout << "[reporter] took a second reference; the object existed, so none was created\n";
     return true;
+} catch (const FrameworkException& error) {
+    return failed(error.getMessage().c_str());
+} catch (const std::exception& error) {
+    return failed(error.what());
 }
 
 MODULE_EXPORT void stopModule() {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -10,6 +11,7 @@
 
 #include "Module.h"
 
+using Quend::Framework::Exceptions::FrameworkException;
 using Quend::Framework::Framework::propertyManager;
 
 namespace {
@@ -40,7 +42,7 @@ void clearAll() {
 
 }  // namespace
 
-MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* settingsFile) {
+MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* settingsFile) try {
     std::ifstream file(settingsFile);
     if (!file) {
         std::cerr << "[settings] cannot use " << settingsFile << ": no such file\n";
@@ -65,6 +67,10 @@ MODULE_EXPORT bool startModule(const char* /*textFile*/, const char* settingsFil
     }
     std::cout << "[settings] set " << namesSet.size() << " properties from the settings file\n";
     return true;
+} catch (const FrameworkException& error) {
+    return failed(error.getMessage().c_str());
+} catch (const std::exception& error) {
+    return failed(error.what());
 }
 
 MODULE_EXPORT void stopModule() {
