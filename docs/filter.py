@@ -22,7 +22,7 @@ def label(page, heading=""):
 
 
 def link(match):
-    page = (path.parent / match[1]).resolve()
+    page = (path.parent / match[1]).resolve() if match[1] else path
     if is_inside(path) and not is_inside(page):  # to the user's site
         return f"](../{label(page)}.html{'#' + label(page, match[2]) if match[2] else ''})"
     return f"](@ref {label(page, match[2] or '')})"
@@ -37,7 +37,7 @@ if path.suffix == ".md":
     body = re.sub(r"^##+ (.*)$", lambda match: f"{match[0]} {{#{label(path, match[1])}}}", body,
                   flags=re.M)
     text = f"{title}\n{body}"
-    text = re.sub(r"\]\(([^):]*\.md)(?:#([\w-]+))?\)", link, text)
+    text = re.sub(r"\]\(([^):#]*\.md|(?=#))(?:#([\w-]+))?\)", link, text)
     # A picture stands in a comment, as other viewers of Markdown cannot draw it.
     text = re.sub(r"^<!-- (.dotfile .*) -->", r"\1", text, flags=re.M)
 else:
