@@ -26,7 +26,7 @@ class Counter {
         }
     }
 
-    std::size_t waiting() const { return channel->channel->cache.size(); }
+    std::size_t cached() const { return channel->channel->cache.size(); }
 
  private:
     Logging::ChannelHandle channel;
@@ -38,24 +38,25 @@ int showLogging(const Arguments& arguments) {
     const std::string path = arguments.empty() ? "component.log" : arguments[0];
     _putenv_s("LOGFILE", path.c_str());
 
-    std::cout << "Without a plug-in there is no sink, and messages wait in the cache:\n";
+    std::cout << "Without a plug-in there is no sink, and messages stay in the cache:\n";
     const Counter early;
     early.countTo(3);
-    std::cout << early.waiting() << " messages wait\n";
+    std::cout << early.cached() << " messages cached\n";
     early.countTo(200);
-    std::cout << early.waiting() << " after 200 more: 101 messages and the marker\n";
+    std::cout << early.cached() << " after 200 more: 101 messages and the marker\n";
 
     std::cout
-        << "A plug-in that is loaded now serves new channels only; this one still has no sink.\n";
+        << "A plug-in that is loaded now serves new channels only. This one never gets a sink, and\n"
+           "what it has cached is lost when logging shuts down.\n";
     Logging::loadPluginLibrary(L"SinkPlugin.dll");
     early.countTo(1);
 
-    std::cout << "Once more from the beginning, the plug-in first:\n";
+    std::cout << "Once more from the beginning, the plug-in first, as a program should:\n";
     Logging::logManager.shutdownLogging();
     Logging::loadPluginLibrary(L"SinkPlugin.dll");
     const Counter late;
     late.countTo(3);
-    std::cout << late.waiting() << " messages wait\n";
+    std::cout << late.cached() << " messages cached\n";
 
     std::cout << path << " now holds:\n" << std::ifstream(path).rdbuf();
     return 0;
