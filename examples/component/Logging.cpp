@@ -45,9 +45,9 @@ int showLogging(const Arguments& arguments) {
     early.countTo(200);
     std::cout << early.cached() << " after 200 more: 101 messages and the marker\n";
 
-    std::cout
-        << "A plug-in that is loaded now serves new channels only. This one never gets a sink, and\n"
-           "what it has cached is lost when logging shuts down.\n";
+    std::cout << "A plug-in that is loaded now serves new channels only. This one never gets a "
+                 "sink, and\n"
+                 "what it has cached is lost when logging shuts down.\n";
     Logging::loadPluginLibrary(L"SinkPlugin.dll");
     early.countTo(1);
 
