@@ -9,6 +9,19 @@
 
 namespace tests {
 
+// The locales that the C runtime has, of those that the tests use.
+#ifndef _WIN32
+constexpr const char* kUtf8 = "C.UTF-8";
+constexpr std::initializer_list<const char*> kLocales = {"C", kUtf8};
+#else
+constexpr const char* kUtf8 = ".UTF-8";
+#if defined(_UCRT) || defined(_MSC_VER)
+constexpr std::initializer_list<const char*> kLocales = {"C", ".1252", ".932", kUtf8};
+#else
+constexpr std::initializer_list<const char*> kLocales = {"C", ".1252", ".932"};  // msvcrt
+#endif
+#endif
+
 // Converts the text before the first NUL, with room for anything. Nothing if a part is not valid:
 // the runtimes store 0 as its size then, or the largest value.
 template <typename To, typename Text>
@@ -21,14 +34,7 @@ std::optional<std::basic_string<To>> convert(const Text& text, auto function) {
 
 inline void checkConversions(Input input) {
     using namespace Quend::Framework::Text;
-#ifdef _WIN32
-    const char* const locale = input.oneOf({"C", ".1252", ".932", ".UTF-8"});
-#else
-    const char* const locale = input.oneOf({"C", "C.UTF-8"});
-#endif
-    if (std::setlocale(LC_CTYPE, locale) == nullptr) {
-        std::setlocale(LC_CTYPE, "C");  // msvcrt has no UTF-8
-    }
+    std::setlocale(LC_CTYPE, input.oneOf(kLocales));
     const unsigned mask = input.oneOf({0U, 0x7FU, 0xFFU, 0x7FFU, 0xFFFFU, 0x1FFFFFU});
     const unsigned frequent = input.oneOf({0x7AU, 0x20ACU, 0x3042U, 0x1F600U});
     std::string narrow;

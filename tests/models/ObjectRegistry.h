@@ -20,9 +20,10 @@ inline void checkObjectRegistry(Input input) {
     };
     const auto factory = []() -> IRegisteredObject* {
         isCalled = true;
-        return operation == kThrow    ? throw std::runtime_error("factory")
-               : operation == kObject ? new Counted
-                                      : nullptr;
+        if (operation == kThrow) {
+            throw std::runtime_error("factory");
+        }
+        return operation == kObject ? new Counted : nullptr;
     };
     const std::string longName(1000, 'x');
     struct Entry {
@@ -52,7 +53,9 @@ inline void checkObjectRegistry(Input input) {
             try {
                 // A name that is held with null takes no second entry, so that one is lost.
                 std::optional<LostOnPurpose> entry;
-                isHeldWithNull ? void(entry.emplace()) : void();
+                if (isHeldWithNull) {
+                    entry.emplace();
+                }
                 result = registry.registerObject(name.c_str(), factory);
             } catch (const std::runtime_error&) {
                 isThrown = true;

@@ -21,6 +21,7 @@ inline void checkPropertyStore(Input input) {
         std::wstring text;
         const std::wstring* place = nullptr;  // where the store keeps it
     };
+    enum Operation { kSet, kRead, kClear, kSetToAnothersValue };
     std::map<std::wstring, Value> model;
     Quend::Framework::Management::PropertyManagerImpl store;
 
@@ -28,21 +29,24 @@ inline void checkPropertyStore(Input input) {
         const auto chosen = input.oneOf(names);
         const std::wstring& name = chosen.wide;
         const std::wstring other = input.oneOf(names).wide;
-        const char operation = input.oneOf({'s', 'r', 'c', 'e'});
+        const Operation operation = input.oneOf({kSet, kRead, kClear, kSetToAnothersValue});
         const auto complaint = [&](const std::string& text) {
-            return model.contains(name)       ? "none"
-                   : chosen.narrow == nullptr ? ""
-                                              : text + chosen.narrow;
+            if (model.contains(name)) {
+                return std::string("none");
+            }
+            return chosen.narrow == nullptr ? "" : text + chosen.narrow;
         };
-        if (operation == 's' || (operation == 'e' && model.contains(other))) {
-            // What the store itself holds may be set, too.
-            const Value value = operation == 's' ? Value{other, &other} : model.at(other);
+        if (operation == kSet) {
+            store.setProperty(name, other);
+            model[name] = {other, &store.readProperty(name)};
+        } else if (operation == kSetToAnothersValue && model.contains(other)) {
+            const Value value = model.at(other);
             store.setProperty(name, *value.place);
             model[name] = {value.text, &store.readProperty(name)};
-        } else if (operation == 'r') {
+        } else if (operation == kRead) {
             MODEL_CHECK(complaintOf([&] { store.readProperty(name); }) ==
                         complaint("Trying to read unexistent property: "));
-        } else if (operation == 'c') {
+        } else if (operation == kClear) {
             MODEL_CHECK(complaintOf([&] { store.clearProperty(name); }) ==
                         complaint("Trying to clear an unexistent property: "));
             model.erase(name);
