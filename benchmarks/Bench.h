@@ -1,10 +1,10 @@
 /// \file
-/// What the cases of all subsystems have in common. The same sources are built three times: for
-/// Windows and natively with the clock of Main.cpp, and natively as Instructions, which counts
-/// instructions under callgrind.
+/// What the cases of all files have in common.
 ///
-/// A case is called "group/subject", and the cases of one group do the same work. Subject "ours" is
-/// this library, "bare" is the same work done with the standard library or the platform alone.
+/// A case is called "group/subject". The cases of a group do the same work: subject "ours" is this
+/// library, "bare" the standard library or the platform alone, any other a library that someone
+/// might use instead. Programs for Windows time their cases; the native program Instructions,
+/// built from the same sources, counts instructions and cache misses under callgrind.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,6 @@
 #include <random>
 #include <string>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 #ifdef QUEND_COUNT_INSTRUCTIONS
@@ -22,33 +21,22 @@
 
 namespace bench {
 
-/// What scripts/bench asks the programs for: the table of ratios, or the curves.
-enum class Mode { table, growth };
-
-/// Cases that are measured together, in rounds that take turns: those that `add` adds, for each of
-/// the sizes anew. What they share lives as long as they do. Groups are made before main.
+/// Cases that are measured together, in rounds that take turns. What they share lives as long as
+/// they do. Groups are made before main.
 struct Group {
-    Group(Mode ofMode, std::vector<std::size_t> ofSizes, void (*addCases)(std::size_t size));
-    Mode mode;
-    std::vector<std::size_t> sizes;
-    void (*add)(std::size_t size);
+    explicit Group(void (*addCases)());
+    void (*add)();
     const Group* next;
 };
 
-/// The sizes of the curves.
-inline const std::vector<std::size_t> kNameCounts = {10, 100, 1'000, 10'000, 100'000, 1'000'000};
-inline const std::vector<std::size_t> kThreadCounts = {1, 2, 4, 8, 16};
-
 /// Runs a case a given number of times.
 using Loop = std::function<void(std::size_t calls)>;
-void addLoop(const std::string& name, const Loop& loop, std::size_t threads);
-/// The same with 8 threads, each call timed by itself: its 99th and 99.9th percentile.
-void addTailLoop(const std::string& name, const Loop& loop);
+void addLoop(const std::string& name, const Loop& loop);
 
-/// Calls `body` `calls` times, and keeps the compiler from dropping its results.
+/// Adds one operation. Its results are kept, so that the compiler does not drop it.
 template <typename Body>
-Loop loopOf(const Body& body) {
-    return [body = body](std::size_t calls) mutable {
+void addCase(const std::string& name, const Body& body) {
+    const Loop loop = [body = body](std::size_t calls) mutable {
         for (; calls > 0; --calls) {
             if constexpr (std::is_void_v<decltype(body())>) {
                 body();
@@ -57,19 +45,13 @@ Loop loopOf(const Body& body) {
             }
         }
     };
-}
-
-/// Adds one operation. Each thread works on its own copy of `body`.
-template <typename Body>
-void addCase(const std::string& name, const Body& body, [[maybe_unused]] std::size_t threads = 1) {
 #ifdef QUEND_COUNT_INSTRUCTIONS
-    const Loop loop = loopOf(body);
-    loop(200);  // lazy binding, the first allocations
+    loop(100'000);  // goes once through the names, so that the caches hold what they can
     CALLGRIND_ZERO_STATS;
-    loop(2000);
+    loop(QUEND_COUNT_INSTRUCTIONS);
     CALLGRIND_DUMP_STATS_AT(name.c_str());
 #else
-    addLoop(name, loopOf(body), threads);
+    addLoop(name, loop);
 #endif
 }
 
@@ -91,11 +73,6 @@ std::vector<String> shuffledNames(std::size_t count) {
     }
     std::shuffle(names.begin(), names.end(), std::mt19937(1));  // the same order in each run
     return names;
-}
-
-/// "name/size"
-inline std::string sized(const char* name, std::size_t size) {
-    return std::string(name).append("/").append(std::to_string(size));
 }
 
 /// Cycles through a list, without a division. The list must outlive it.

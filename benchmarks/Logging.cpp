@@ -113,7 +113,7 @@ void addPeer() {
 }
 #endif
 
-const Group logging(Mode::table, {1}, [](std::size_t /*size*/) {
+const Group logging([] {
     auto* const channel = countedChannel();
     addCase("log/ours", [channel] { log(channel, 10, kText); });
     addCase("log/bare", logBare());
@@ -140,37 +140,6 @@ const Group logging(Mode::table, {1}, [](std::size_t /*size*/) {
     addPeer();
 #endif
 });
-
-#ifndef QUEND_COUNT_INSTRUCTIONS
-struct Channels {
-    explicit Channels(std::size_t count) : names(shuffledNames(count)) {
-        for (const std::string& name : names) {
-            manager.getChannel(name.c_str());
-        }
-    }
-    std::vector<std::string> names;
-    LogManager manager;
-};
-
-const Group names(Mode::growth, kNameCounts, [](std::size_t count) {
-    const auto all = std::make_shared<Channels>(count);
-    addCase(sized("getChannel", count), [all, name = Round(all->names)]() mutable {
-        return all->manager.getChannel(name.next().c_str());
-    });
-});
-
-const Group threads(Mode::growth, kThreadCounts, [](std::size_t count) {
-    addCase(
-        sized("log threads", count), [channel = countedChannel()] { log(channel, 10, kText); },
-        count);
-    addCase(sized("bare log threads", count), logBare(), count);
-});
-
-const Group tail(Mode::growth, {1}, [](std::size_t /*size*/) {
-    addTailLoop("log tail", loopOf([channel = countedChannel()] { log(channel, 10, kText); }));
-    addTailLoop("bare log tail", loopOf(logBare()));
-});
-#endif
 
 }  // namespace
 }  // namespace bench

@@ -1,97 +1,34 @@
-// The harness: PROGRAM table|growth [ROUNDS]. Prints one line for each round of each case,
-// "group/subject<TAB>nanoseconds". The cases of a group take turns in random order, so that a busy
-// moment of the machine affects all of them.
-#include <atomic>
+// The harness: PROGRAM [ROUNDS]. Prints one line for each round of each case,
+// "group/subject<TAB>nanoseconds a call". The cases of a group take turns in random order, so that
+// a busy moment of the machine affects all of them.
 #include <chrono>
 #include <cstdio>
-#include <string_view>
-#include <thread>
 
 #include "Bench.h"
 
 namespace bench {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 struct Case {
     std::string name;
-    std::vector<Loop> loops;  // one for each thread
-    bool isTail;
+    Loop loop;
     std::size_t calls = 1;  // in one round
 };
 
 const Group* groups = nullptr;
 std::vector<Case> cases;
-constexpr auto kRound = std::chrono::milliseconds(2);
+constexpr auto kRound = std::chrono::milliseconds(10);
 
-double nanoseconds(Clock::duration duration) {
-    return std::chrono::duration<double, std::nano>(duration).count();
-}
-
-// Runs `work` in `count` threads, which start together. Returns the time from the first start to
-// the last end.
-template <typename Work>
-Clock::duration runInThreads(std::size_t count, const Work& work) {
-    std::atomic<std::size_t> ready = 0;
-    std::vector<Clock::time_point> starts(count);
-    std::vector<Clock::time_point> ends(count);
-    const auto run = [&](std::size_t index) {
-        for (++ready; ready < count;) {
-            std::this_thread::yield();
-        }
-        starts[index] = Clock::now();
-        work(index);
-        ends[index] = Clock::now();
-    };
-    std::vector<std::thread> threads;
-    for (std::size_t i = 1; i < count; ++i) {
-        threads.emplace_back(run, i);
-    }
-    run(0);
-    for (auto& thread : threads) {
-        thread.join();
-    }
-    return *std::max_element(ends.begin(), ends.end()) -
-           *std::min_element(starts.begin(), starts.end());
-}
-
-Clock::duration timeOf(const Case& each) {
-    return runInThreads(each.loops.size(),
-                        [&](std::size_t index) { each.loops[index](each.calls); });
-}
-
-void measureTail(const Case& each) {
-    constexpr std::size_t kSamples = 10'000;
-    std::vector<std::vector<double>> ofThreads(each.loops.size());
-    runInThreads(each.loops.size(), [&](std::size_t index) {
-        const Loop& loop = each.loops[index];
-        auto& samples = ofThreads[index];
-        samples.reserve(kSamples);
-        auto last = Clock::now();
-        while (samples.size() < kSamples) {
-            loop(1);
-            const auto now = Clock::now();
-            samples.push_back(nanoseconds(now - last));
-            last = now;
-        }
-    });
-    std::vector<double> all;
-    for (const auto& samples : ofThreads) {
-        all.insert(all.end(), samples.begin(), samples.end());
-    }
-    std::sort(all.begin(), all.end());
-    for (const auto& [name, share] : {std::pair("99 %", 0.99), std::pair("99.9 %", 0.999)}) {
-        const auto index = static_cast<std::size_t>(share * static_cast<double>(all.size()));
-        std::printf("%s/%s\t%.1f\n", each.name.c_str(), name, all[index]);
-    }
+std::chrono::duration<double, std::nano> timeOf(const Case& each) {
+    const auto start = std::chrono::steady_clock::now();
+    each.loop(each.calls);
+    return std::chrono::steady_clock::now() - start;
 }
 
 void measure(int rounds) {
     for (Case& each : cases) {
         // The shortest of three: an interruption would make the rounds too short.
-        while (!each.isTail && std::min({timeOf(each), timeOf(each), timeOf(each)}) <
-                                   kRound * static_cast<int>(each.loops.size())) {
+        while (std::min({timeOf(each), timeOf(each), timeOf(each)}) < kRound) {
             each.calls *= 2;
         }
     }
@@ -99,13 +36,8 @@ void measure(int rounds) {
     for (; rounds > 0; --rounds) {
         std::shuffle(cases.begin(), cases.end(), random);
         for (const Case& each : cases) {
-            if (each.isTail) {
-                measureTail(each);
-            } else {
-                std::printf("%s\t%.2f\n", each.name.c_str(),
-                            nanoseconds(timeOf(each)) /
-                                static_cast<double>(each.calls * each.loops.size()));
-            }
+            std::printf("%s\t%.2f\n", each.name.c_str(),
+                        timeOf(each).count() / static_cast<double>(each.calls));
         }
     }
     std::fflush(stdout);
@@ -114,30 +46,16 @@ void measure(int rounds) {
 
 }  // namespace
 
-Group::Group(Mode ofMode, std::vector<std::size_t> ofSizes, void (*addCases)(std::size_t size))
-    : mode(ofMode), sizes(std::move(ofSizes)), add(addCases), next(groups) {
-    groups = this;
-}
+Group::Group(void (*addCases)()) : add(addCases), next(groups) { groups = this; }
 
-void addLoop(const std::string& name, const Loop& loop, std::size_t threads) {
-    cases.push_back({name, std::vector<Loop>(threads, loop), false});
-}
-
-void addTailLoop(const std::string& name, const Loop& loop) {
-    cases.push_back({name, std::vector<Loop>(8, loop), true});
-}
+void addLoop(const std::string& name, const Loop& loop) { cases.push_back({name, loop}); }
 
 }  // namespace bench
 
 int main(int argc, char** argv) {
-    using namespace bench;
-    const Mode mode =
-        argc > 1 && argv[1] == std::string_view("growth") ? Mode::growth : Mode::table;
-    const int rounds = argc > 2 ? std::stoi(argv[2]) : 25;
-    for (const Group* group = groups; group != nullptr; group = group->next) {
-        for (std::size_t i = 0; group->mode == mode && i < group->sizes.size(); ++i) {
-            group->add(group->sizes[i]);
-            measure(rounds);
-        }
+    const int rounds = argc > 1 ? std::stoi(argv[1]) : 25;
+    for (const auto* group = bench::groups; group != nullptr; group = group->next) {
+        group->add();
+        bench::measure(rounds);
     }
 }

@@ -1,6 +1,21 @@
-// A DLL that throws what readProperty throws, and does nothing else.
+// A DLL that throws what readProperty throws, with the same text, and does nothing else.
 #include <Quend/Framework/Exceptions.h>
 
-extern "C" __declspec(dllexport) void throwUnexistentProperty(const char* text) {
-    throw Quend::Framework::Exceptions::UnexistentProperty(text);
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+Quend::Framework::Exceptions::UnexistentProperty unexistent(const wchar_t* name) {
+    const std::wstring text = std::wstring(L"Trying to read unexistent property: ") + name;
+    std::string narrow(4 * (text.size() + 1), '\0');
+    std::size_t size = 0;
+    wcstombs_s(&size, narrow.data(), narrow.size(), text.c_str(), narrow.size());
+    return Quend::Framework::Exceptions::UnexistentProperty(narrow.c_str());
+}
+
+}  // namespace
+
+extern "C" __declspec(dllexport) void throwUnexistentProperty(const wchar_t* name) {
+    throw unexistent(name);
 }
