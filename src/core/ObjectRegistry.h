@@ -29,6 +29,11 @@ class ObjectRegistry {
     /// std::less<> finds a `const char*` without making a std::string of it first.
     using ObjectTable = std::map<std::string, ObjectEntry*, std::less<>>;
 
+    using SpareNodes = std::multimap<std::string, ObjectEntry*, std::less<>>;
+
+    ObjectTable::node_type takeNode();
+
+    SpareNodes spareNodes;  // guarded by objectTableMutex
     /// Owns its entries, but at unload they and their objects are left alone.
     ObjectTable objectTable;        // guarded by objectTableMutex
     CheckedMutex objectTableMutex;  // declared last: destroyed first
