@@ -94,9 +94,8 @@ std::string_view measured(const char* name) { return name; }
 void addFind(std::size_t count) {
     const auto all = std::make_shared<Objects>(count);
     const std::string group = "findObject " + std::to_string(count);
-    addCase(group + "/ours", [all, name = Round(all->names)]() mutable {
-        return findObject(name.next().c_str());
-    });
+    addCase(group + "/ours",
+            [all, name = Round(all->names)]() mutable { return findObject(name.next().c_str()); });
     addCase(group + "/bare", byAddress([all, name = Round(all->names)]() mutable {
                 const std::lock_guard lock(all->mutex);
                 const auto found = all->entries.find(measured(name.next().c_str()));

@@ -26,50 +26,27 @@ using namespace Quend::Framework::Logging;
 
 constexpr const char* kText = "Reading all records";
 
-class CountingSink final : public LogSink {
- public:
-    void release() noexcept override { delete this; }
+// The provider and the bare side share it.
+struct CountingSink final : LogSink {
+    void release() noexcept override {}
     void write(std::uint32_t /*level*/, const char* /*text*/) override { ++count; }
-
- private:
-    ~CountingSink() = default;
     unsigned long count = 0;
-};
+} countingSink;
 
-class CountingProvider final : public LogSinkProvider {
- public:
+struct CountingProvider final : LogSinkProvider {
     LogSink* createSink(const char* channelName) override {
-        return channelName == std::string_view("counted") ? new CountingSink : nullptr;
+        return channelName == std::string_view("counted") ? &countingSink : nullptr;
     }
 };
 
-// The one provider of the program; the first call registers it.
-ChannelHandle countedChannel() {
-    static const bool isRegistered =
-        (registerSinkProvider(std::make_unique<CountingProvider>()), true);
-    return isRegistered ? getChannel("counted") : nullptr;
-}
-
 struct Bare {
-    Bare() = default;
-    ~Bare() { sink->release(); }
-    Bare(const Bare&) = delete;
-    Bare& operator=(const Bare&) = delete;
-
     std::recursive_mutex mutex;
-    LogSink* sink = new CountingSink;
+    LogSink* sink = &countingSink;
     bool isFull = true;
 };
 
-auto logBare() {
-    return byAddress([bare = std::make_shared<Bare>()] {
-        const std::lock_guard lock(bare->mutex);
-        bare->sink->write(10, kText);
-    });
-}
-
-auto buildBare() {
-    return byAddress([bare = std::make_shared<Bare>(), i = 1000]() mutable {
+auto buildBare(const std::shared_ptr<Bare>& bare) {
+    return byAddress([bare, i = 1000]() mutable {
         ++i;
         char text[64];
         char* const end = text + sizeof(text) - 1;
@@ -104,30 +81,29 @@ void addPeer() {
         logger->info("Took {:g} ms", i / 8.0);
     });
     addCase("LogMessage 300/spdlog", [logger] { logger->info("{}", kLongText); });
-
-    // Its ring keeps the newest, where the library's cache keeps the oldest.
-    const auto backtrace =
-        std::make_shared<spdlog::logger>("backtrace", std::make_shared<PeerSink>());
-    backtrace->enable_backtrace(kCacheCapacity);
-    addCase("full cache/spdlog", [backtrace] { backtrace->debug(kText); });
 }
 #endif
 
 const Group logging([] {
-    auto* const channel = countedChannel();
+    registerSinkProvider(std::make_unique<CountingProvider>());
+    const auto bare = std::make_shared<Bare>();
+    auto* const channel = getChannel("counted");
     addCase("log/ours", [channel] { log(channel, 10, kText); });
-    addCase("log/bare", logBare());
+    addCase("log/bare", byAddress([bare] {
+                const std::lock_guard lock(bare->mutex);
+                bare->sink->write(10, kText);
+            }));
     addCase("LogMessage/ours", [channel, i = 1000]() mutable {
         ++i;
         LogMessage(channel, 10) << "Read " << i << " records of " << i * 3;
     });
-    addCase("LogMessage/bare", buildBare());
+    addCase("LogMessage/bare", buildBare(bare));
     auto* const cached = getChannel("cached");
     for (std::size_t i = 0; i <= kCacheCapacity; ++i) {
         log(cached, 10, kText);
     }
     addCase("full cache/ours", [cached] { log(cached, 10, kText); });
-    addCase("full cache/bare", byAddress([bare = std::make_shared<Bare>()] {
+    addCase("full cache/bare", byAddress([bare] {
                 const std::lock_guard lock(bare->mutex);
                 return bare->isFull;
             }));

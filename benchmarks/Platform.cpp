@@ -1,17 +1,14 @@
-// Registry access, commands and loading, which exist on Windows alone. Bare: the same calls of the
-// platform.
+// Registry access, commands and loading, which exist on Windows alone.
 #include <windows.h>
 
 #include <cstdio>
 #include <fstream>
 #include <memory>
 #include <system_error>
-#include <utility>
 
 #include "Bench.h"
 #include "Quend/RegistryAccess/Registry.h"
 #include "command/CommandRunner.h"
-#include "properties/TextConversion.h"
 
 namespace bench {
 namespace {
@@ -24,15 +21,10 @@ void require(bool condition) {
     }
 }
 
-// A key below HKEY_CURRENT_USER with a number and sub keys, as long as this object.
+// A key below HKEY_CURRENT_USER with a number, as long as this object.
 struct ScratchKey {
     ScratchKey() {
         require(RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\QuendBenchmark", &bare) == 0);
-        for (int i = 0; i < 100; ++i) {
-            HKEY key = nullptr;
-            require(RegCreateKeyW(bare, (L"SubKey" + std::to_wstring(i)).c_str(), &key) == 0);
-            RegCloseKey(key);
-        }
         ours = Registry(HKEY_CURRENT_USER, "Software\\QuendBenchmark");
         ours.setIntValue("number", 7);
     }
@@ -46,21 +38,6 @@ struct ScratchKey {
     HKEY bare = nullptr;
     Registry ours;
 };
-
-// With names in narrow text, as the library gives them.
-std::size_t listBare(HKEY key) {
-    std::vector<std::pair<std::string, HKEY>> keys;
-    wchar_t name[261] = {};
-    for (DWORD i = 0; RegEnumKeyW(key, i, name, 261) == 0; ++i) {
-        HKEY opened = nullptr;
-        require(RegOpenKeyW(key, name, &opened) == 0);
-        keys.emplace_back(Quend::Framework::Text::wstringToString(name), opened);
-    }
-    for (const auto& [narrowName, opened] : keys) {
-        RegCloseKey(opened);
-    }
-    return keys.size();
-}
 
 const Group registry([] {
     const auto key = std::make_shared<ScratchKey>();
@@ -79,8 +56,6 @@ const Group registry([] {
         const auto* const bytes = reinterpret_cast<const BYTE*>(&value);
         require(RegSetValueExW(key->bare, L"number", 0, REG_DWORD, bytes, sizeof(value)) == 0);
     });
-    addCase("registry list/ours", [key] { return key->ours.getSubKeys().size(); });
-    addCase("registry list/bare", [key] { return listBare(key->bare); });
 });
 
 // A command that writes 64 KB.
@@ -120,7 +95,7 @@ auto load(const wchar_t* name) {
 
 const Group loading([] {
     addCase("load/ours", load(L"" QUEND_LIBRARY));
-    addCase("load/bare", load(L"EmptyLibrary.dll"));
+    addCase("load/bare", load(L"BareLibrary.dll"));
 });
 
 }  // namespace

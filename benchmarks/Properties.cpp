@@ -10,11 +10,8 @@
 
 #include "Bench.h"
 
-#ifdef QUEND_PEERS
-#include <boost/property_tree/ptree.hpp>
-#endif
 #ifdef _WIN32
-extern "C" __declspec(dllimport) void throwUnexistentProperty(const wchar_t* name);
+extern "C" __declspec(dllimport) void throwUnexistentProperty(const std::wstring& name);
 #endif
 
 namespace bench {
@@ -67,15 +64,6 @@ void addRead(std::size_t count) {
                 const auto found = all->hashed.find(name.next());
                 return found == all->hashed.end() ? nullptr : &found->second;
             }));
-#ifdef QUEND_PEERS
-    const auto tree = std::make_shared<boost::property_tree::wptree>();
-    for (const std::wstring& name : all->names) {
-        tree->put(name, kValue);
-    }
-    addCase(group + "/Boost", [all, tree, name = Round(all->names)]() mutable {
-        return &tree->get_child(name.next()).data();
-    });
-#endif
 }
 
 const Group readFew([] { addRead(10); });
@@ -83,8 +71,7 @@ const Group readMany([] { addRead(1'000); });
 const Group readVeryMany([] { addRead(100'000); });
 
 #ifdef _WIN32
-template <typename Thrower>
-auto caught(const Thrower& thrower) {
+auto caught(void (*thrower)(const std::wstring& name)) {
     return [thrower, name = std::wstring(L"missing")] {
         try {
             thrower(name);
@@ -98,8 +85,7 @@ auto caught(const Thrower& thrower) {
 const Group missing([] {
     addCase("missing property/ours",
             caught([](const std::wstring& name) { propertyManager()->readProperty(name); }));
-    addCase("missing property/bare",
-            caught([](const std::wstring& name) { throwUnexistentProperty(name.c_str()); }));
+    addCase("missing property/bare", caught(&throwUnexistentProperty));
 });
 #endif
 
