@@ -2,7 +2,8 @@
 """Hands a page or a header to doxygen: filter.py FILE
 
 Headings of a page get labels, and links between pages go to these, because versions of doxygen differ
-in the labels they make up. Each labelled line of a contract becomes a paragraph.
+in the labels they make up. Each labelled line of a contract becomes a paragraph. Each header becomes
+known as a file.
 """
 
 import pathlib
@@ -43,4 +44,6 @@ if path.suffix == ".md":
 else:
     text = re.sub(r"^( */// )(Throws|Threading|Ownership|On failure|Requires|Lifetime|Errors|Exceptions): ",
                   r"\1<p><b>\2:</b> ", text, flags=re.M)
+    if "\\file" not in text:  # doxygen lists and links a header only if it has such a comment
+        text = text.replace("#pragma once", "/** \\file */ #pragma once", 1)
 sys.stdout.write(text)

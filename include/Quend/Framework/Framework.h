@@ -1,8 +1,3 @@
-/// \file
-/// The process-wide services: the property store and the random source.
-///
-/// The namespace repeats its name on purpose: it is the framework's own part of the framework.
-/// Threading: any thread may call any function at any time.
 #pragma once
 
 #include <Quend/Framework/Exceptions.h>
@@ -11,6 +6,11 @@
 
 namespace Quend {
 namespace Framework {
+
+/// The process-wide services: the property store and the random source.
+///
+/// Its name is repeated on purpose: it is the framework's own part of the framework.
+/// Threading: any thread may call any function at any time.
 namespace Framework {
 
 /// Returns the one property store, which the first call creates; never null, always the same.

@@ -1,13 +1,3 @@
-/// \file
-/// Memory on one common heap, and objects that the modules of a process share by name.
-///
-/// The table of names starts empty at load. At unload the names are freed, but objects that are
-/// still registered are neither deleted nor destroyed: their code may be unloaded already.
-///
-/// Threading: any thread may call any function at any time. registerObject, findObject and
-/// unregisterObject are atomic under one lock; the memory functions take none.
-/// Requires: names are zero-terminated and not null, which is not checked. They are copied, and
-/// compared byte by byte.
 #pragma once
 
 #include <cstdint>  // GCC and clang learn of __int64 from the C headers
@@ -17,6 +7,16 @@
 namespace Quend {
 namespace Framework {
 namespace Management {
+
+/// Memory on one common heap, and objects that the modules of a process share by name.
+///
+/// The table of names starts empty at load. At unload the names are freed, but objects that are
+/// still registered are neither deleted nor destroyed: their code may be unloaded already.
+///
+/// Threading: any thread may call any function at any time. registerObject, findObject and
+/// unregisterObject are atomic under one lock; the memory functions take none.
+/// Requires: names are zero-terminated and not null, which is not checked. They are copied, and
+/// compared byte by byte.
 namespace MemoryManager {
 
 /// Allocates `size` bytes: malloc of the library's C runtime and nothing else.
