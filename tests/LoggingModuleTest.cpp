@@ -120,10 +120,12 @@ void exitWithPluginLoaded() {
 HANDLE sinkEntered = nullptr;
 
 void printEventAndSayWhenBlocked(std::string_view piece) {
+    static bool isBlockNext = false;
     printEvent(piece);
-    if (piece == "block") {
+    if (isBlockNext) {  // this piece was the space behind it, so all of the event is printed
         SetEvent(sinkEntered);
     }
+    isBlockNext = piece == "block";
 }
 
 // The process ends while a thread is stopped in a sink of `blocked`, under its lock.
