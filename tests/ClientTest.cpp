@@ -1,16 +1,16 @@
 // The DLL and the header-only helpers as a client uses them: through the import library, with the
 // shared runtime.
-#include "support/Test.h"
+#include <Quend/Framework/ObjectReference.h>
+#include <Quend/Framework/ReadPropertyOr.h>
 
+#include <windows.h>
 #include <winver.h>
 
 #include <cstring>
 
-#include <Quend/Framework/ObjectReference.h>
-#include <Quend/Framework/ReadPropertyOr.h>
-
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
+#include "support/Test.h"
 
 namespace {
 

@@ -1,8 +1,7 @@
-#include "command/CommandRunner.h"
-
 #include <chrono>
 #include <filesystem>
 
+#include "command/CommandRunner.h"
 #include "command/Handle.h"
 #include "support/Allocations.h"
 #include "support/PlatformCalls.h"

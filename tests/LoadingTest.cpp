@@ -1,7 +1,5 @@
 // Loads and unloads the DLL as hosts do. Built twice: as a host that shares GCC's runtime with its
 // modules, and as one that holds none of it, like every program of another compiler.
-#include "support/Test.h"
-
 #include <sys/timeb.h>
 
 #include <chrono>
@@ -9,6 +7,7 @@
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
 #include "support/Tally.h"
+#include "support/Test.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 

@@ -1,11 +1,10 @@
 // The parts of logging that need Windows: plug-in libraries, unloading, and the environment.
-#include "support/Test.h"
-
 #include "LoggingModule.h"
 #include "logging/DebugString.h"
 #include "models/Logging.h"
 #include "support/Allocations.h"
 #include "support/PlatformCalls.h"
+#include "support/Test.h"
 
 namespace {
 

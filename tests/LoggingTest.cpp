@@ -1,11 +1,10 @@
-#include "support/Test.h"
-
 #include "locking/RecursiveMutex.h"
 #include "logging/LogManager.h"
 #include "logging/LogMessage.h"
 #include "logging/ProviderRegistry.h"
 #include "models/Logging.h"
 #include "support/Allocations.h"
+#include "support/Test.h"
 
 namespace {
 

@@ -1,13 +1,12 @@
 // The native build does not optimise this file: there, a constant that is declared but not defined
 // does not link if it is taken by reference.
-#include "support/Test.h"
-
 #include <bit>
 #include <iomanip>
 
 #include "logging/LogMessage.h"
 #include "logging/MessageText.h"
 #include "support/Allocations.h"
+#include "support/Test.h"
 
 namespace {
 

@@ -1,9 +1,8 @@
-#include "support/Test.h"
-
 #include "core/ObjectRegistry.h"
 #include "models/ObjectRegistry.h"
 #include "support/Allocations.h"
 #include "support/LostOnPurpose.h"
+#include "support/Test.h"
 
 namespace {
 

@@ -1,8 +1,6 @@
 // Every ordered pair of the calls that may overlap, in two threads, for ThreadSanitizer to watch.
 // The loops have nothing else in them: any other lock would order the two calls, and hide that one
 // of theirs is missing. So nothing is made there, and arguments share nothing.
-#include "support/Test.h"
-
 #include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/Framework.h>
 
@@ -10,6 +8,7 @@
 #include "models/Logging.h"
 #include "properties/PropertyManagerImpl.h"
 #include "properties/TextConversion.h"
+#include "support/Test.h"
 
 namespace {
 

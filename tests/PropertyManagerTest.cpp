@@ -1,7 +1,6 @@
-#include "support/Test.h"
-
 #include "models/PropertyStore.h"
 #include "support/Allocations.h"
+#include "support/Test.h"
 #ifdef _WIN32
 #include "support/PlatformCalls.h"
 #endif

@@ -1,8 +1,7 @@
-#include "core/RandomSource.h"
-
-#include "support/Test.h"
-
 #include <Quend/Framework/Framework.h>
+
+#include "core/RandomSource.h"
+#include "support/Test.h"
 
 namespace {
 

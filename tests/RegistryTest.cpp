@@ -1,9 +1,8 @@
-#include "Quend/RegistryAccess/Registry.h"
-
 #include <shlwapi.h>
 
 #include <regex>
 
+#include "Quend/RegistryAccess/Registry.h"
 #include "Quend/RegistryAccess/RegistryErrors.h"
 #include "support/Allocations.h"
 #include "support/PlatformCalls.h"

@@ -1,6 +1,5 @@
-#include "support/Test.h"
-
 #include "models/Conversions.h"
+#include "support/Test.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <Quend/Framework/MemoryManager.h>
+
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
-
-#include <Quend/Framework/MemoryManager.h>
 
 #include "locking/CheckedMutex.h"
 

@@ -1,10 +1,10 @@
 #include "core/RandomSource.h"
 
+#include <Quend/Framework/Framework.h>
+
 #include <sys/timeb.h>
 
 #include <cstdlib>
-
-#include <Quend/Framework/Framework.h>
 
 namespace Quend::Framework::Framework {
 

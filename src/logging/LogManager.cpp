@@ -6,12 +6,12 @@
 // move is used after such a call: no iterator into a vector, no reference to an entry.
 #include "logging/LogManager.h"
 
+#include <Quend/Framework/Exceptions.h>
+
 #include <algorithm>
 #include <mutex>
 #include <string_view>
 #include <utility>
-
-#include <Quend/Framework/Exceptions.h>
 
 #include "logging/DebugString.h"
 #include "logging/ProviderRegistry.h"

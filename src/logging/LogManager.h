@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "locking/RecursiveMutex.h"
 #include "logging/LogChannel.h"
 #include "logging/LogSink.h"
 #include "logging/PluginLibrary.h"
-#include "locking/RecursiveMutex.h"
 
 namespace Quend::Framework::Logging {
 

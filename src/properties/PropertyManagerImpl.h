@@ -1,9 +1,9 @@
 #pragma once
 
+#include <Quend/Framework/PropertyManager.h>
+
 #include <map>
 #include <string>
-
-#include <Quend/Framework/PropertyManager.h>
 
 namespace Quend::Framework::Management {
 

@@ -2,6 +2,8 @@
 // run each model on random bytes, tests/fuzz on those of libFuzzer.
 #pragma once
 
+#include <Quend/Framework/Exceptions.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <functional>
@@ -14,8 +16,6 @@
 #include <thread>
 #include <utility>
 #include <vector>
-
-#include <Quend/Framework/Exceptions.h>
 
 // Throws std::logic_error with the place and the condition.
 #define MODEL_CHECK(condition) \

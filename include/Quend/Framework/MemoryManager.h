@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>  // GCC and clang learn of __int64 from the C headers
-
 #include <Quend/Framework/Export.h>
+
+#include <cstdint>  // GCC and clang learn of __int64 from the C headers
 
 namespace Quend {
 namespace Framework {

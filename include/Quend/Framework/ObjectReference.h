@@ -3,11 +3,11 @@
 /// Header-only, on top of the exported functions.
 #pragma once
 
-#include <string>
-#include <utility>
-
 #include <Quend/Framework/Exceptions.h>
 #include <Quend/Framework/MemoryManager.h>
+
+#include <string>
+#include <utility>
 
 namespace Quend {
 namespace Framework {

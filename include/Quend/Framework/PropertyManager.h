@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <Quend/Framework/Export.h>
+
+#include <string>
 
 namespace Quend {
 namespace Framework {

@@ -2,9 +2,9 @@
 /// Reads a property that may not be set. Header-only, on top of propertyManager().
 #pragma once
 
-#include <string>
-
 #include <Quend/Framework/Framework.h>
+
+#include <string>
 
 namespace Quend {
 namespace Framework {
