@@ -33,8 +33,8 @@ struct LogChannel {
 
     /// Kept with each channel as its configuration; the library compares no level with it.
     std::uint32_t levelSetting = 50;
-    /// Nothing here changes it. A channel with sinks writes its
-    /// messages if true and drops them if false. A channel without sinks caches them either way.
+    /// Nothing here changes it. A channel with sinks writes its messages if true and drops them if
+    /// false. A channel without sinks caches them either way.
     bool enabled = true;
 };
 
