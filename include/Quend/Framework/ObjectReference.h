@@ -35,10 +35,12 @@ template <typename Object>
 class ObjectReference {
  public:
     /// Takes a reference on `name`; the first caller of the process creates the object. Never
-    /// empty. Throws: InvalidArgument if `factory` returned null, the name is held with a null
-    /// object, or its object is no `Object`; and what registerObject throws. On failure: the
-    /// reference has been given back, unless the registry's lock cannot be taken. Requires: the
-    /// module with the code of `Object` stays loaded until the last reference is given back.
+    /// empty.
+    /// Throws: InvalidArgument if `factory` returned null, the name is held with a null object, or
+    /// its object is no `Object`; and what registerObject throws.
+    /// On failure: the reference has been given back, unless the registry's lock cannot be taken.
+    /// Requires: the module with the code of `Object` stays loaded until the last reference is
+    /// given back.
     explicit ObjectReference(std::string name, Factory factory = &create)
         : heldName(std::move(name)) {
         IRegisteredObject* const returned = registerObject(heldName.c_str(), factory);
