@@ -52,8 +52,8 @@ TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
 
 TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
     struct Row {
-        const wchar_t* path;
-        const char* error;
+        const wchar_t* path{};
+        const char* error{};
         int code = 0;
     };
     const Row rows[] = {
@@ -127,8 +127,8 @@ void printEventAndSayWhenBlocked(std::string_view piece) {
     isBlockNext = piece == "block";
 }
 
-// The process ends while a thread is stopped in a sink of `blocked`, under its lock.
-void exitWithThreadInside(const wchar_t* blocked, const wchar_t* itsPlugin) {
+// The process ends while a thread is stopped in a sink of `stoppedIn`, under its lock.
+void exitWithThreadInside(const wchar_t* stoppedIn, const wchar_t* loadsFirst) {
     const HMODULE module = LoadLibraryW(kModule);
     const HMODULE plugin = LoadLibraryW(kPlugin);
     sinkEntered = CreateEventW(nullptr, TRUE, FALSE, nullptr);
@@ -138,8 +138,8 @@ void exitWithThreadInside(const wchar_t* blocked, const wchar_t* itsPlugin) {
     }
     exportOf<LogInModule>(module, "logInModule")(kPlugin, 1, "text");
     std::thread([=] {
-        auto* const logInModule = exportOf<LogInModule>(GetModuleHandleW(blocked), "logInModule");
-        logInModule(itsPlugin, 1, "block");
+        auto* const logInModule = exportOf<LogInModule>(GetModuleHandleW(stoppedIn), "logInModule");
+        logInModule(loadsFirst, 1, "block");
     }).detach();
     WaitForSingleObject(sinkEntered, INFINITE);
     std::exit(7);
@@ -176,9 +176,9 @@ const auto countingGetenv = [](auto real, auto* size, auto* buffer, std::size_t 
 TEST(LoggingEnvironment, DebugStringIsRead) {
     const Hook hook("_wgetenv_s", imported, countingGetenv);
     struct Row {
-        const wchar_t* value;
-        bool isRequested;
-        int reads;
+        const wchar_t* value{};
+        bool isRequested{};
+        int reads{};
         int failing = 0;  // of the reads
     };
     const Row rows[] = {

@@ -145,8 +145,8 @@ const char* const kLongText = "and more of it than a short string holds in place
 const std::string kBeyondTheBuffer(300, 'x');
 
 struct WithoutMemory {
-    const char* what;
-    void (*call)(LogManager&, ChannelHandle);
+    const char* what{};
+    void (*call)(LogManager&, ChannelHandle){};
     std::size_t recordsBefore = 4;
     std::size_t recordsAfter = 4;
     std::size_t providersAfter = 2;
