@@ -41,51 +41,37 @@ TEST(PropertyManager, ComplaintIsEmptyIfAnyPartOfItCannotBeConverted) {
     // The runtime's conversion, in an encoding without a colon.
     using Conversion = errno_t(std::size_t*, char*, std::size_t, const wchar_t*, std::size_t);
     const tests::Hook hook("wcstombs_s", static_cast<Conversion*>(wcstombs_s),
-                           [](Conversion* real, std::size_t* converted, char* buffer,
-                              std::size_t size, const wchar_t* text, std::size_t count) {
+                           [](auto* real, std::size_t* converted, char* buffer, std::size_t size,
+                              const wchar_t* text, std::size_t count) {
                                if (std::wcschr(text, L':') == nullptr) {
                                    return real(converted, buffer, size, text, count);
                                }
                                *converted = 0;
-                               *buffer = '\0';
                                return EILSEQ;
                            });
     PropertyManagerImpl store;
     EXPECT_EQ(tests::complaintOf([&] { store.readProperty(L"report.title"); }), "");
-    EXPECT_EQ(tests::complaintOf([&] { store.clearProperty(L"report.title"); }), "");
 }
 #endif
 
 // The old value is gone before the copies are made, whichever of them fails.
 TEST(PropertyManager, FailedSetLeavesThePropertyAbsent) {
-    for (const bool existedBefore : {false, true}) {
-        tests::failEachAllocation([&](long, auto fail) {
-            PropertyManagerImpl store;
-            store.setProperty(L"other", L"stays");
-            if (existedBefore) {
-                store.setProperty(kName, L"old");
-            }
-            const bool failed = fail([&] { store.setProperty(kName, kValue); });
-            EXPECT_EQ(store.hasProperty(kName), !failed);
-            EXPECT_EQ(store.readProperty(L"other"), L"stays");
-        });
-    }
+    tests::failEachAllocation([&](long, auto fail) {
+        PropertyManagerImpl store;
+        store.setProperty(kName, L"old");
+        const bool failed = fail([&] { store.setProperty(kName, kValue); });
+        EXPECT_EQ(store.hasProperty(kName), !failed);
+    });
 }
 
-TEST(PropertyManager, ComplaintWithoutMemoryChangesNothing) {
-    const auto read = [](PropertyManagerImpl& store) { store.readProperty(kName); };
-    const auto clear = [](PropertyManagerImpl& store) { store.clearProperty(kName); };
-    for (void (*call)(PropertyManagerImpl&) : {+read, +clear}) {
-        tests::failEachAllocation([&](long, auto fail) {
-            PropertyManagerImpl store;
-            store.setProperty(L"other", L"stays");
-            std::string complaint;
-            const bool failed = fail([&] { complaint = tests::complaintOf([&] { call(store); }); });
-            EXPECT_EQ(complaint.empty(), failed);
-            EXPECT_FALSE(store.hasProperty(kName));
-            EXPECT_EQ(store.readProperty(L"other"), L"stays");
-        });
-    }
+TEST(PropertyManager, ComplaintWithoutMemoryIsNoComplaint) {
+    tests::failEachAllocation([&](long, auto fail) {
+        const PropertyManagerImpl store;
+        std::string complaint;
+        const bool failed =
+            fail([&] { complaint = tests::complaintOf([&] { store.readProperty(kName); }); });
+        EXPECT_EQ(complaint.empty(), failed);
+    });
 }
 
 TEST(PropertyManager, ReadingAllocatesNothingAndCopiesNothing) {
