@@ -29,8 +29,10 @@ class ObjectRegistry {
     /// std::less<> finds a `const char*` without making a std::string of it first.
     using ObjectTable = std::map<std::string, ObjectEntry*, std::less<>>;
 
+    /// Their names are all empty, which the table itself would refuse.
     using SpareNodes = std::multimap<std::string, ObjectEntry*, std::less<>>;
 
+    /// Returns a node for the next name.
     ObjectTable::node_type takeNode();
 
     SpareNodes spareNodes;  // guarded by objectTableMutex
