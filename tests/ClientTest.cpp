@@ -8,7 +8,7 @@
 
 #include <cstring>
 
-#include "models/Input.h"
+#include "support/Complaint.h"
 #include "support/PlatformCalls.h"
 #include "support/ProcessFigures.h"
 #include "support/Test.h"

@@ -4,6 +4,7 @@
 #include "logging/ProviderRegistry.h"
 #include "models/Logging.h"
 #include "support/Allocations.h"
+#include "support/Complaint.h"
 #include "support/Test.h"
 
 namespace {

@@ -2,8 +2,6 @@
 // run each model on random bytes, tests/fuzz on those of libFuzzer.
 #pragma once
 
-#include <Quend/Framework/Exceptions.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <functional>
@@ -25,16 +23,6 @@ namespace tests {
 
 [[noreturn]] inline void failCheck(const std::string& file, int line, const char* condition) {
     throw std::logic_error(file + ":" + std::to_string(line) + ": not so: " + condition);
-}
-
-// The text of the library's exception that `call` throws, or "none".
-inline std::string complaintOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const Quend::Framework::Exceptions::FrameworkException& error) {
-        return error.getMessage();
-    }
-    return "none";
 }
 
 class Input {

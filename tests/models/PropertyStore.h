@@ -3,6 +3,7 @@
 
 #include "models/Input.h"
 #include "properties/PropertyManagerImpl.h"
+#include "support/Complaint.h"
 
 namespace tests {
 
