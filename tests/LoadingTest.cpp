@@ -56,8 +56,9 @@ TEST(Loading, ManyCyclesLeaveTheProcessAsItWas) {
                         after.handles, after.freeTlsIndices, after.blocks);
         }
     } while (std::chrono::steady_clock::now() - start < length && !HasFailure());
-    // Wine opens one handle, once, when two threads first want the heap at the same time.
-    EXPECT_LE(after.handles, before.handles + 1);
+    // A lock of the platform gets a handle when two threads first want it at the same time.
+    constexpr std::size_t kLocksOfThePlatform = 5;
+    EXPECT_LE(after.handles, before.handles + kLocksOfThePlatform);
     EXPECT_EQ(after.freeTlsIndices, before.freeTlsIndices);
     EXPECT_LT(after.blocks, before.blocks + rounds);
     EXPECT_EQ(tally.messages, 0) << "logged and not written";

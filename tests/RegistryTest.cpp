@@ -165,6 +165,7 @@ LSTATUS refuse() { return refusal; }
 void* const kRefuse = reinterpret_cast<void*>(&refuse);
 
 TEST_F(RegistryTest, RefusalsBecomeErrorsAndLeaveNothingBehind) {
+    errorOf([] {});  // MSVC's runtime keeps a block of the first regular expression
     std::set<std::string> texts;
     for (const Operation& operation : kOperations) {
         SCOPED_TRACE(operation.onAccessDenied);
