@@ -22,22 +22,14 @@ std::shared_ptr<HINSTANCE__> preparePlugin(Report whereTo = report,
     return module;
 }
 
-TEST(LoggingPlugin, BringsASinkToEachChannel) {
-    LogManager manager;
-    preparePlugin();
-    manager.loadPluginLibrary(kPlugin);
-    manager.log(manager.getChannel("network"), 10, " connected");
-    EXPECT_NE(GetModuleHandleW(kPlugin), nullptr);
-    manager.shutdownLogging();
-    EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
-}
-
-TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
+TEST(LoggingPlugin, BringsASinkToEachChannelUntilShutdown) {
     LogManager manager;
     auto plugin = preparePlugin();
     manager.loadPluginLibrary(kPlugin);
     plugin.reset();
-    manager.log(manager.getChannel("c"), 1, "text");
+    EXPECT_NE(GetModuleHandleW(kPlugin), nullptr) << "only the manager keeps it loaded now";
+    manager.log(manager.getChannel("network"), 10, " connected");
+    EXPECT_EQ(takeEvents(), "pnetwork:10 connected ");
     {
         const Hook hook("FreeLibrary", FreeLibrary, [](auto real, HMODULE module) {
             record("FreeLibrary");
@@ -46,8 +38,9 @@ TEST(LoggingPlugin, ShutdownReleasesInOrderAndEachOnce) {
         manager.shutdownLogging();
         manager.shutdownLogging();
     }
-    // Released in its turn, but its code stays until the last sink is gone.
-    EXPECT_EQ(takeEvents(), "pc:1text ~p FreeLibrary -pc FreeLibrary gone ");
+    // Released once, in its turn, but its code stays until the last sink is gone.
+    EXPECT_EQ(takeEvents(), "~p FreeLibrary -pnetwork FreeLibrary gone ");
+    EXPECT_EQ(GetModuleHandleW(kPlugin), nullptr);
 }
 
 TEST(LoggingPlugin, WhatCannotBeLoadedLeavesNothingBehind) {
@@ -182,7 +175,6 @@ TEST(LoggingEnvironment, DebugStringIsRead) {
         int failing = 0;  // of the reads
     };
     const Row rows[] = {
-        {.value = L"1", .isRequested = true, .reads = 2},
         {.value = L"longer than in place", .isRequested = true, .reads = 2},
         {.value = L"1", .isRequested = false, .reads = 1, .failing = 1},
         {.value = L"1", .isRequested = false, .reads = 2, .failing = 2},
