@@ -1,5 +1,6 @@
-#include "models/PropertyStore.h"
+#include "properties/PropertyManagerImpl.h"
 #include "support/Allocations.h"
+#include "support/Complaint.h"
 #include "support/Test.h"
 #ifdef _WIN32
 #include "support/PlatformCalls.h"
@@ -8,6 +9,7 @@
 namespace {
 
 using Quend::Framework::Management::PropertyManagerImpl;
+using namespace std::string_literals;
 
 const std::wstring kName = L"a name beyond any short string";
 const std::wstring kValue = L"a value beyond any short string";
@@ -32,8 +34,32 @@ TEST(PropertyManager, KeepsAPropertyUntilItIsCleared) {
               "Trying to clear an unexistent property: report.title");
 }
 
-TEST(PropertyManager, MatchesModelOverRandomOperations) {
-    tests::runOnRandomInputs(&tests::checkPropertyStore);
+TEST(PropertyManager, TakesAnyTextAsAName) {
+    PropertyManagerImpl store;
+    for (const std::wstring& name : std::initializer_list<std::wstring>{
+             L"", L"a", L"ab", L"a\0"s, L"a\0\x416"s, L"\x416", kName}) {
+        EXPECT_FALSE(store.hasProperty(name));
+        store.setProperty(name, name);
+        EXPECT_EQ(store.readProperty(name), name);
+    }
+    // A complaint shows the name up to a NUL. One that cannot be converted empties it.
+    EXPECT_EQ(tests::complaintOf([&] { store.readProperty(L"b\0\x416"s); }),
+              "Trying to read unexistent property: b");
+    EXPECT_EQ(tests::complaintOf([&] { store.clearProperty(L"b\x416"); }), "");
+}
+
+TEST(PropertyManager, ValueStaysInItsPlaceUntilThePropertyChanges) {
+    PropertyManagerImpl store;
+    store.setProperty(kName, kValue);
+    const std::wstring& value = store.readProperty(kName);
+    for (int i = 0; i < 1000; ++i) {
+        store.setProperty(std::to_wstring(i), value);
+    }
+    store.clearProperty(L"500");
+    EXPECT_EQ(&store.readProperty(kName), &value);
+    EXPECT_EQ(store.readProperty(L"999"), kValue);
+    store.setProperty(kName, value);  // its own
+    EXPECT_EQ(store.readProperty(kName), kValue);
 }
 
 #ifdef _WIN32
