@@ -218,15 +218,9 @@ TEST_F(RegistryTest, RefusesANameThatIsNoText) {
     const std::string broken = "\x82";  // half a character of Shift-JIS
     EXPECT_THROW(Registry(HKEY_CURRENT_USER, broken), std::length_error);
     EXPECT_THROW(key.openSubKey(broken), std::length_error);
-    EXPECT_THROW(key.createSubKey(broken), std::length_error);
-    EXPECT_THROW(key.deleteSubKey(broken), std::length_error);
-    EXPECT_THROW(key.hasValue(broken), std::length_error);
     EXPECT_THROW(key.getIntValue(broken), std::length_error);
-    EXPECT_THROW(key.getStringValue(broken), std::length_error);
-    EXPECT_THROW(key.setIntValue(broken, 1), std::length_error);
     EXPECT_THROW(key.setStringValue(broken, {}), std::length_error);
     EXPECT_THROW(key.setStringValue("a", chars(broken)), std::length_error);
-    EXPECT_THROW(key.deleteValue(broken), std::length_error);
 }
 
 TEST_F(RegistryTest, ReadsANumberOfUpToFourBytes) {
