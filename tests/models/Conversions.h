@@ -29,24 +29,34 @@ std::optional<std::basic_string<To>> convert(const Text& text, auto function) {
     std::basic_string<To> room(4 * text.size() + 1, To());
     std::size_t size = 0;
     function(&size, room.data(), room.size(), text.c_str(), room.size() - 1);
-    return size - 1 < room.size() ? std::optional(room.substr(0, size - 1)) : std::nullopt;
+    if (size == 0 || size > room.size()) {
+        return std::nullopt;
+    }
+    return room.substr(0, size - 1);
 }
 
 inline void checkConversions(Input input) {
     using namespace Quend::Framework::Text;
     std::setlocale(LC_CTYPE, input.oneOf(kLocales));
-    const unsigned mask = input.oneOf({0U, 0x7FU, 0xFFU, 0x7FFU, 0xFFFFU, 0x1FFFFFU});
-    const unsigned frequent = input.oneOf({0x7AU, 0x20ACU, 0x3042U, 0x1F600U});
+    // The units of the wide text are below a limit. Below 1, they are all the same instead.
+    const unsigned limit = input.oneOf({0x1U, 0x80U, 0x100U, 0x800U, 0x10000U, 0x200000U});
+    const unsigned same = input.oneOf({0x7AU, 0x20ACU, 0x3042U, 0x1F600U});
     std::string narrow;
     std::wstring wide;
     while (!input.isAtEnd()) {
         unsigned unit = 0;
         for (int i = 0; i < 3; ++i) {
-            narrow += static_cast<char>(input.byte());
-            unit = (unit << 8 | static_cast<unsigned char>(narrow.back())) & mask;
+            const std::uint8_t byte = input.byte();
+            narrow += static_cast<char>(byte);
+            unit = unit << 8 | byte;
         }
+        unit %= limit;
         // On tag characters, a conversion of glibc's to ASCII fails an assertion.
-        wide += static_cast<wchar_t>(mask == 0 || unit >> 7 == 0xE0000 >> 7 ? frequent : unit);
+        const bool isTag = unit >= 0xE0000 && unit < 0xE0080;
+        if (limit == 1 || isTag) {
+            unit = same;
+        }
+        wide += static_cast<wchar_t>(unit);
     }
 
     const auto converted = convert<char>(wide, [](auto... all) { return wcstombs_s(all...); });
