@@ -318,22 +318,6 @@ TEST_F(CommandRunner, WaitsUntilAnotherHasStarted) {
     EXPECT_EQ(start.calls, 2);
 }
 
-// A flag on a guarded page: Windows reports the first read of it, and the processor's trap flag
-// stops the thread one instruction later. So `afterRead` runs right behind that read.
-std::function<void()> afterRead;
-LONG CALLBACK onException(EXCEPTION_POINTERS* exception) {
-    const DWORD code = exception->ExceptionRecord->ExceptionCode;
-    if (code == STATUS_GUARD_PAGE_VIOLATION) {
-        exception->ContextRecord->EFlags |= 0x100;  // the trap flag
-        return EXCEPTION_CONTINUE_EXECUTION;
-    }
-    if (code == STATUS_SINGLE_STEP) {
-        afterRead();
-        return EXCEPTION_CONTINUE_EXECUTION;
-    }
-    return EXCEPTION_CONTINUE_SEARCH;
-}
-
 TEST_F(CommandRunner, StartsNothingIfItsFlagWasTrueBeforeItsTurn) {
     HeldStart start;
     const tests::Hook process("CreateProcessA", CreateProcessA,
@@ -342,22 +326,20 @@ TEST_F(CommandRunner, StartsNothingIfItsFlagWasTrueBeforeItsTurn) {
     await(start.isHeld);
     EXPECT_EQ(executeCommand("", makeFlag(true)), kFailed);
 
-    // The waiting command has just read that its flag is false. Before it goes on, the flag becomes
-    // true, and only then does the other command give up the turn.
-    void* const page = VirtualAlloc(nullptr, 1, MEM_COMMIT, PAGE_READWRITE);
-    const Flag stopFlag(new (page) std::atomic<bool>(false),
-                        [](void* flag) { VirtualFree(flag, 0, MEM_RELEASE); });
-    afterRead = [&] {
+    // While this command waits, its flag becomes true. Then the other one gives up the turn and
+    // reads.
+    const Flag stopFlag = makeFlag();
+    const Handle isTurnOver = makeEvent();
+    const tests::Hook read("ReadFile", ReadFile, [&](auto real, auto... arguments) {
+        SetEvent(isTurnOver.get());
+        return real(arguments...);
+    });
+    const tests::Hook sleep("Sleep", Sleep, [&](auto, DWORD /*milliseconds*/) {
         *stopFlag = true;
         SetEvent(start.goOn.get());
-        first.wait();
-    };
-    void* const handler = AddVectoredExceptionHandler(1, &onException);
-    DWORD before = 0;
-    VirtualProtect(page, 1, PAGE_READWRITE | PAGE_GUARD, &before);
+        await(isTurnOver);
+    });
     EXPECT_EQ(executeCommand("", stopFlag), kFailed);
-    RemoveVectoredExceptionHandler(handler);
-    EXPECT_TRUE(*stopFlag) << "it was not read";
     EXPECT_EQ(start.calls, 1) << "a second process";
 }
 
