@@ -59,171 +59,189 @@ TEST_F(Logging, ShutdownLeavesProvidersOfOthersRegistered) {
 TEST_F(Logging, MatchesModelOverRandomOperations) { runOnRandomInputs(&checkLogging); }
 
 TEST_F(Logging, SinkMayLogIntoTheCacheThatIsReplayed) {
-    auto* const handle = manager.getChannel("c");
-    manager.log(handle, 7, "first");
-    int more = 40;  // so many that the records move
-    addProvider("p", [&](const std::string&) {
-        if (more > 0) {
-            --more;
-            manager.log(handle, 0, "+");
+    ChannelHandle network = manager.getChannel("network");
+    manager.log(network, 7, " lost");
+    std::string expected = "file network:7 lost ";
+    constexpr int kEchoes = 40;  // so many that the records move
+    for (int i = 0; i < kEchoes; ++i) {
+        expected += "file network:0 echo ";
+    }
+    int echoes = 0;
+    addProvider("file ", [&](const std::string&) {
+        if (echoes < kEchoes) {
+            ++echoes;
+            manager.log(network, 0, " echo");  // of level 0, so it is cached
         }
     });
-    attachSinks(*handle->channel);
-    const std::string written = takeEvents();
-    EXPECT_TRUE(written.starts_with("pc:7first pc:0+ ") && written.size() == 250) << written;
-    EXPECT_TRUE(handle->channel->cache.empty());
+    attachSinks(*network->channel);
+    EXPECT_EQ(takeEvents(), expected);
+    EXPECT_TRUE(network->channel->cache.empty());
 }
 
-TEST_F(Logging, SinksAndProvidersMayCallBack) {
-    ChannelHandle inner = nullptr;
-    std::string name = "changed";
-    const auto write = [&](const std::string& text) {
-        if (text == "outer") {
-            for (const char* channel : {"a", "b", "new"}) {
-                manager.log(manager.getChannel(channel), 1, channel);
-            }
+TEST_F(Logging, SinkMayLogIntoItsOwnChannelAndIntoOthers) {
+    addProvider("file ", [&](const std::string& text) {
+        if (text == " full") {
+            manager.log(manager.getChannel("disk"), 10, " retry");
+            manager.log(manager.getChannel("alarm"), 50, " call");
         }
-    };
-    const auto create = [&](const std::string& channel) {
-        if (channel == "a") {
-            manager.log(manager.getChannel("b"), 2, "asked");
-        } else if (channel == "own" && inner == nullptr) {
-            inner = manager.getChannel("b");  // any, so that the inner call does not come here
-            manager.log(inner = manager.getChannel("own"), 2, "inner");
-        } else if (channel == "changed") {
-            name = "since";
-        } else if (channel == "c") {
-            addProvider("late");
-        }
-    };
-    addProvider("p", write, create);
-    addProvider("q");
-    manager.log(manager.getChannel("a"), 1, "outer");
+    });
+    addProvider("mail ");
+    manager.log(manager.getChannel("disk"), 40, " full");
     EXPECT_EQ(takeEvents(),
-              "pb:2asked qb:2asked "
-              "pa:1outer pa:1a qa:1a pb:1b qb:1b pnew:1new qnew:1new qa:1outer ");
-    // A provider asks for the same name: the inner channel stays, the outer's sinks are released.
-    auto* const own = manager.getChannel("own");
-    EXPECT_EQ(own, inner);
-    EXPECT_EQ(takeEvents(), "pown:2inner qown:2inner -pown -qown ");
-    // The caller's text is not read again after a provider has changed it.
-    auto* const changed = manager.getChannel(name.c_str());
-    EXPECT_EQ(changed, manager.getChannel("changed"));
-    EXPECT_EQ(name, "since");
-    // A provider registered from inside is first asked for the next channel.
-    EXPECT_EQ(manager.getChannel("c")->channel->sinks.size(), 2U);
-    EXPECT_EQ(manager.getChannel("d")->channel->sinks.size(), 3U);
+              "file disk:40 full file disk:10 retry mail disk:10 retry "
+              "file alarm:50 call mail alarm:50 call mail disk:40 full ");
+}
+
+TEST_F(Logging, ProviderMayAskForTheChannelThatItIsAskedFor) {
+    ChannelHandle inner = nullptr;
+    bool isFirst = true;
+    addProvider("file ", {}, [&](const std::string&) {
+        if (std::exchange(isFirst, false)) {
+            inner = manager.getChannel("disk");
+            manager.log(inner, 10, " mounted");
+        }
+    });
+    // The inner channel stays, and the sinks made for the outer one are released.
+    EXPECT_EQ(manager.getChannel("disk"), inner);
+    EXPECT_EQ(takeEvents(), "file disk:10 mounted -file disk ");
+}
+
+TEST_F(Logging, ProviderMayRegisterAnotherForTheNextChannel) {
+    bool isFirst = true;
+    addProvider("file ", {}, [&](const std::string&) {
+        if (std::exchange(isFirst, false)) {
+            addProvider("mail ");
+        }
+    });
+    EXPECT_EQ(manager.getChannel("disk")->channel->sinks.size(), 1U);
+    EXPECT_EQ(manager.getChannel("network")->channel->sinks.size(), 2U);
+}
+
+TEST_F(Logging, ProviderMayChangeTheCallersName) {
+    std::string name = "disk";
+    addProvider("file ", {}, [&](const std::string&) { name = "none"; });
+    ChannelHandle disk = manager.getChannel(name.c_str());
+    EXPECT_EQ(name, "none");
+    EXPECT_EQ(manager.getChannel("disk"), disk);
+}
+
+[[noreturn]] void throwOnPurpose(const std::string& /*text*/) {
+    throw std::runtime_error("on purpose");
+}
+
+TEST_F(Logging, ExceptionOfASinkLeavesTheCacheAsItWas) {
+    ChannelHandle disk = manager.getChannel("disk");
+    manager.log(disk, 10, " mounted");
+    addProvider("file ");
+    addProvider("broken ", throwOnPurpose);
+    addProvider("mail ");
+    EXPECT_THROW(attachSinks(*disk->channel), std::runtime_error);
+    EXPECT_EQ(disk->channel->cache.size(), 1U);
+    EXPECT_THROW(manager.log(disk, 40, " full"), std::runtime_error);
+    EXPECT_EQ(disk->channel->cache.size(), 1U);
+    EXPECT_EQ(takeEvents(),
+              "file disk:10 mounted broken disk:10 mounted "
+              "file disk:40 full broken disk:40 full ");
     expectLockFree(manager);
 }
 
-TEST_F(Logging, ExceptionsPassThroughAndLeaveNothingBehind) {
-    bool isThrowing = true;
-    const auto throwOnce = [&](auto&&...) {
-        if (std::exchange(isThrowing, false)) {
-            throw std::runtime_error("plug-in");
+TEST_F(Logging, ExceptionOfAProviderLeavesNoChannel) {
+    bool isBroken = true;
+    addProvider("file ");
+    addProvider("network ", {}, [&](const std::string& channel) {
+        if (isBroken) {
+            throwOnPurpose(channel);
         }
-    };
-    addProvider("p");
-    addProvider("q", throwOnce, throwOnce);
-    EXPECT_THROW(manager.getChannel("c"), std::runtime_error);
-    EXPECT_EQ(takeEvents(), "-pc ");
-    auto* const handle = manager.getChannel("c");
-    LogChannel& channel = *handle->channel;
-    isThrowing = true;
-    EXPECT_THROW(manager.log(handle, 1, "x"), std::runtime_error);
-    EXPECT_TRUE(channel.cache.empty());
-    manager.log(handle, 0, "cached");
-    isThrowing = true;
-    EXPECT_THROW(replayCache(channel), std::runtime_error);
-    EXPECT_EQ(channel.cache.size(), 1U);
-    EXPECT_EQ(takeEvents(), "pc:1x qc:1x pc:0cached qc:0cached ");
+    });
+    EXPECT_THROW(manager.getChannel("disk"), std::runtime_error);
+    EXPECT_EQ(takeEvents(), "-file disk ");
+    isBroken = false;
     expectLockFree(manager);
+    EXPECT_EQ(manager.getChannel("disk")->channel->sinks.size(), 2U);
+}
+
+TEST_F(Logging, RefusesANullProvider) {
     EXPECT_EQ(complaintOf([&] { manager.registerSinkProvider(nullptr); }),
               "A sink provider must not be null.");
 }
 
 const char* const kLongText = "and more of it than a short string holds in place";
 
-// What a failure could leave behind: providers, messages in the cache, its overflow.
-using State = std::tuple<ProviderRegistry, std::size_t, std::uint32_t>;
-State stateOf(const LogChannel& channel) {
-    return {providerRegistry, channel.cache.size(), channel.overflowed};
+// Calls `round(manager, fail)` with a fresh manager, which has one provider.
+template <typename Round>
+void failEachAllocationWithAManager(Round round) {
+    failEachAllocation([&](long, auto failAllocation) {
+        ProviderRegistry().swap(providerRegistry);  // which keeps its room
+        {
+            LogManager manager;
+            manager.registerSinkProvider(std::make_unique<TestProvider>("file "));
+            round(manager, failAllocation);
+            expectLockFree(manager);
+        }
+        events.clear();
+        ProviderRegistry().swap(providerRegistry);
+    });
 }
 
-TEST_F(Logging, FailedAllocationChangesNothing) {
-    const struct {
-        const char* what{};
-        void (*call)(LogManager&, ChannelHandle){};
-        std::size_t cachedBefore = 0;
-        bool isSeenInTheState = true;
-    } cases[] = {
-        {.what = "a channel is created",
-         .call = [](LogManager& each, ChannelHandle) { each.getChannel(kLongText); },
-         .isSeenInTheState = false},
-        {.what = "a message is cached",
-         .call = [](LogManager& each, ChannelHandle channel) { each.log(channel, 1, kLongText); },
-         .cachedBefore = 4},
-        {.what = "the cache overflows",
-         .call = [](LogManager& each, ChannelHandle channel) { each.log(channel, 1, ""); },
-         .cachedBefore = kCacheCapacity},
-        {.what = "a provider is registered",
-         .call =
-             [](LogManager& each, ChannelHandle) {
-                 each.registerSinkProvider(std::make_unique<TestProvider>("q"));
-             }},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.what);
-        failEachAllocation([&](long, auto fail) {
-            ProviderRegistry().swap(providerRegistry);  // which keeps its room
-            LogManager each;
-            auto* const handle = each.getChannel("none");
-            for (std::size_t i = 0; i < row.cachedBefore; ++i) {
-                each.log(handle, 1, kLongText);
+TEST_F(Logging, FailedAllocationCreatesNoChannel) {
+    failEachAllocationWithAManager([](LogManager& each, auto failAllocation) {
+        failAllocation([&] { each.getChannel(kLongText); });
+        EXPECT_EQ(each.getChannel(kLongText)->channel->sinks.size(), 1U);
+    });
+}
+
+TEST_F(Logging, FailedAllocationRegistersNoProvider) {
+    failEachAllocationWithAManager([](LogManager& each, auto failAllocation) {
+        const bool failed = failAllocation(
+            [&] { each.registerSinkProvider(std::make_unique<TestProvider>("mail ")); });
+        EXPECT_EQ(providerRegistry.size(), failed ? 1U : 2U);
+    });
+}
+
+TEST_F(Logging, FailedAllocationCachesNothing) {
+    for (const std::size_t cachedBefore : {std::size_t{4}, kCacheCapacity}) {
+        failEachAllocationWithAManager([=](LogManager& each, auto failAllocation) {
+            ChannelHandle channel = each.getChannel("none");
+            for (std::size_t i = 0; i < cachedBefore; ++i) {
+                each.log(channel, 10, "");
             }
-            each.registerSinkProvider(std::make_unique<TestProvider>("p"));
-            const State before = stateOf(*handle->channel);
-            const bool failed = fail([&] { row.call(each, handle); });
-            EXPECT_EQ(stateOf(*handle->channel) == before, failed || !row.isSeenInTheState);
-            expectLockFree(each);
-            EXPECT_EQ(each.getChannel(kLongText)->channel->sinks.size(), providerRegistry.size());
-            each.shutdownLogging();
-            events.clear();
-            ProviderRegistry().swap(providerRegistry);
+            const bool failed = failAllocation([&] { each.log(channel, 10, kLongText); });
+            EXPECT_EQ(channel->channel->cache.size(), cachedBefore + (failed ? 0 : 1));
+            EXPECT_EQ(channel->channel->overflowed != 0, !failed && cachedBefore == kCacheCapacity);
         });
     }
 }
 
 TEST_F(Logging, LoggingToASinkAllocatesNothing) {
-    addProvider("p");
-    auto* const handle = manager.getChannel(kLongText);
-    manager.log(handle, 1, kLongText);  // the first of the process
-    expectNoAllocation([&] { manager.log(manager.getChannel(kLongText), 1, kLongText); });
+    addProvider("file ");
+    ChannelHandle channel = manager.getChannel(kLongText);
+    manager.log(channel, 10, kLongText);  // the first of the process
+    expectNoAllocation([&] { manager.log(manager.getChannel(kLongText), 10, kLongText); });
 }
 
 TEST_F(Logging, LogMessageLogsUpToANulAndNothingAtLevelZero) {
     static_assert(std::is_nothrow_destructible_v<LogMessage>);
-    addProvider("p");
-    auto* const handle = manager.getChannel("c");
-    LogMessage(handle, 0) << "nothing";
+    addProvider("file ");
+    ChannelHandle disk = manager.getChannel("disk");
+    LogMessage(disk, 0) << "nothing";
     {
-        const LogMessage empty(handle, 4'000'000'000);
+        const LogMessage empty(disk, 4'000'000'000);
     }
-    LogMessage(handle, 10) << std::string("cut\0here", 8);
-    EXPECT_TRUE(handle->channel->cache.empty());
-    EXPECT_EQ(takeEvents(), "pc:4000000000 pc:10cut ");
+    LogMessage(disk, 10) << std::string(" cut\0here", 9);
+    EXPECT_TRUE(disk->channel->cache.empty());
+    EXPECT_EQ(takeEvents(), "file disk:4000000000 file disk:10 cut ");
 }
 
 TEST_F(Logging, EndedManagerIsFollowedByAnEmptyOne) {
-    addProvider("p");
-    manager.log(manager.getChannel("c"), 1, "text");
+    addProvider("file ");
+    manager.log(manager.getChannel("disk"), 10, " mounted");
     manager.endAtUnload();
-    EXPECT_EQ(takeEvents(), "pc:1text ~p -pc ");
+    EXPECT_EQ(takeEvents(), "file disk:10 mounted ~file  -file disk ");
     // At process exit, a plug-in's clean-up may log after that.
-    auto* const channel = manager.getChannel("c");
-    EXPECT_TRUE(channel->channel->sinks.empty());
-    manager.log(channel, 1, "last words");
-    EXPECT_EQ(channel->channel->cache.size(), 1U);
+    ChannelHandle disk = manager.getChannel("disk");
+    EXPECT_TRUE(disk->channel->sinks.empty());
+    manager.log(disk, 10, "last words");
+    EXPECT_EQ(disk->channel->cache.size(), 1U);
 }
 
 TEST(RecursiveMutex, IsFreeOnceEveryLockIsGivenBack) {
