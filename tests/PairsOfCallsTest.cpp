@@ -15,8 +15,14 @@ namespace {
 using namespace Quend::Framework;
 using namespace Quend::Framework::Management;
 
-// Each round has another name: what is left of this text.
-constexpr const char* kNames = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+// Each round has another name.
+const std::vector<std::string> kNames = [] {
+    std::vector<std::string> names;
+    for (int round = 1; round <= 50; ++round) {
+        names.push_back("name " + std::to_string(round));
+    }
+    return names;
+}();
 
 MemoryManager::IRegisteredObject* makeObject() { return new MemoryManager::IRegisteredObject; }
 
@@ -29,17 +35,17 @@ struct Services {
     Logging::ChannelHandle channel = nullptr;
 
     Services() {
-        for (const char* name = kNames; *name != '\0'; name += 2) {
-            registry.registerObject(name, makeObject);
+        for (std::size_t i = 0; i < kNames.size(); i += 2) {
+            registry.registerObject(kNames[i].c_str(), makeObject);
         }
         store.setProperty(set, L"value");
         addProvider();
         channel = manager.getChannel("channel");
     }
     ~Services() {
-        for (const char* name = kNames; *name != '\0'; ++name) {
-            while (registry.findObject(name) != nullptr) {
-                registry.unregisterObject(name);
+        for (const std::string& name : kNames) {
+            while (registry.findObject(name.c_str()) != nullptr) {
+                registry.unregisterObject(name.c_str());
             }
         }
     }
@@ -52,8 +58,9 @@ void runPairs(const std::vector<void (*)(Services&, const char* name)>& calls) {
         for (const auto second : calls) {
             Services services;
             tests::inThreads(2, [&](unsigned thread) {
-                for (const char* name = kNames; *name != '\0'; ++name) {
-                    (thread == 0 ? first : second)(services, name);
+                const auto call = thread == 0 ? first : second;
+                for (const std::string& name : kNames) {
+                    call(services, name.c_str());
                 }
             });
         }
