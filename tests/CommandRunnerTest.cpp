@@ -326,8 +326,7 @@ TEST_F(CommandRunner, StartsNothingIfItsFlagWasTrueBeforeItsTurn) {
     await(start.isHeld);
     EXPECT_EQ(executeCommand("", makeFlag(true)), kFailed);
 
-    // While this command waits, its flag becomes true. Then the other one gives up the turn and
-    // reads.
+    // While this command waits, its flag becomes true, and then the other one gives up the turn.
     const Flag stopFlag = makeFlag();
     const Handle isTurnOver = makeEvent();
     const tests::Hook read("ReadFile", ReadFile, [&](auto real, auto... arguments) {
@@ -341,6 +340,8 @@ TEST_F(CommandRunner, StartsNothingIfItsFlagWasTrueBeforeItsTurn) {
     });
     EXPECT_EQ(executeCommand("", stopFlag), kFailed);
     EXPECT_EQ(start.calls, 1) << "a second process";
+    SetEvent(start.goOn.get());
+    EXPECT_EQ(first.get(), wrote(""));
 }
 
 TEST(Handle, HasOneOwner) {

@@ -100,7 +100,7 @@ TEST(LogMessage, HoldsWhatAStreamHolds) {
     for (std::size_t length = 236; length <= 256; ++length) {
         beginnings.emplace_back(length, 'z');
     }
-    const std::locale plain = std::locale::classic();
+    const std::locale& plain = std::locale::classic();
     const std::locale grouping(plain, new tests::Grouping);
     std::mt19937_64 random(1);
     for (const Row& first : kRows) {
