@@ -46,6 +46,19 @@ TEST_F(Logging, MessagesGoToTheSinksOfTheirChannel) {
     EXPECT_EQ(takeEvents(), "~file  -file network ");
 }
 
+TEST_F(Logging, ChannelWithoutASinkKeepsItsFirst101MessagesAndAMarker) {
+    ChannelHandle early = manager.getChannel("early");
+    for (int number = 1; number <= 200; ++number) {
+        manager.log(early, 10, std::to_string(number).c_str());
+    }
+    const std::vector<CachedLogRecord>& cache = early->channel->cache;
+    ASSERT_EQ(cache.size(), 102U);
+    EXPECT_EQ(cache[0].text, "1");
+    EXPECT_EQ(cache[100].text, "101");
+    EXPECT_EQ(cache[101].text, "LOG Cache overflow...");
+    EXPECT_EQ(cache[101].level, 40U);
+}
+
 TEST_F(Logging, ShutdownLeavesProvidersOfOthersRegistered) {
     TestProvider notOwned("other");
     providerRegistry.push_back(&notOwned);

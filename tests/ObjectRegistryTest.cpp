@@ -98,6 +98,9 @@ TEST(ObjectRegistry, FailedAllocationLeavesNothingRecorded) {
             tests::leftOnPurpose = 2;  // the entry and the object, which may be in use
         }
         registry.unregisterObject(kLongName);
+        registry.registerObject(kLongName, makeTracked);
+        EXPECT_NE(registry.findObject(kLongName), nullptr) << "the name was held with null";
+        registry.unregisterObject(kLongName);
     });
 }
 
