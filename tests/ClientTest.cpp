@@ -124,7 +124,7 @@ TEST(ObjectReference, ExistingLeavesTheCountAsItWasIfThereIsNoSuchObject) {
     const Reference fresh("name");  // refused if null were still held
 }
 
-#ifdef __GNUC__  // the name under which this compiler imports findObject
+#ifdef __GNUC__  // the names under which this compiler imports the functions
 TEST(ObjectReference, ExistingIsEmptyIfTheLastReferenceEndsWhileItLooks) {
     std::optional<Reference> owner("guest list");
     const tests::Hook hook("_ZN5Quend9Framework10Management13MemoryManager10findObjectEPKc",
@@ -133,6 +133,14 @@ TEST(ObjectReference, ExistingIsEmptyIfTheLastReferenceEndsWhileItLooks) {
                                owner.reset();
                                return found;
                            });
+    const tests::Hook registering(
+        "_ZN5Quend9Framework10Management13MemoryManager14registerObjectEPKcPFPNS2_"
+        "17IRegisteredObjectEvE",
+        registerObject, [](auto* real, const char* name, Factory factory) {
+            IRegisteredObject* const object = real(name, factory);
+            EXPECT_NE(object, nullptr) << "held with null, if only for a moment";
+            return object;
+        });
     // Not inlined: the compiler may keep the import that it has read for the hook.
     Reference (*volatile existing)(std::string) = &Reference::existing;
     EXPECT_FALSE(existing("guest list"));
